@@ -1,0 +1,10 @@
+# Compiler flags shared by every target of the project.
+add_compile_options(-Wall -Wextra -Wpedantic -Wno-missing-field-initializers)
+if(ZIQ_WERROR)
+    add_compile_options(-Werror)
+endif()
+if(ZIQ_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+add_compile_definitions(QT_NO_KEYWORDS)

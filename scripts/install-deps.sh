@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs what building and testing need on a fresh Debian machine, from Debian's packages.
+# Does nothing when everything is there already.
+set -euo pipefail
+
+packages=(cmake g++ make qt6-base-dev libgl-dev libicu-dev libbenchmark-dev
+          fonts-noto-cjk fonts-dejavu-core)
+missing=()
+for p in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo=""
+[ "$(id -u)" -ne 0 ] && sudo="sudo"
+echo "Installing: ${missing[*]}"
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,7 @@
+#include "platform/Clock.h"
+
+namespace platform {
+
+Clock::~Clock() = default;
+
+} // namespace platform

@@ -1,0 +1,128 @@
+// The messaging client library: one client per logged-in user, talking to an in-process
+// MessagingServer that several clients may share (so tests can play a whole group).
+// Every callback and event is delivered later on the main queue, never inside the call.
+//
+// Limits (see V2VORErrorCode.h for the codes):
+// - at most 20 extensions or keys per call (whole call refused);
+// - extension keys of 1 to 100 bytes, values up to 1024 bytes, at most 300 live keys per
+//   message (refused per key, in the key's result);
+// - extensions only on sent messages created with extension support, and only by members of
+//   the message's group (whole call refused);
+// - a message body of at most 12 KB.
+// The service versions every extension key; the client remembers the version it last saw
+// (from reads, its own writes and change events). A write of a key that changed since is
+// refused for that key with V2VOR_ERR_EXTENSION_VERSION_CONFLICT and the latest value.
+#pragma once
+
+#include "sdk/V2VORCallbacks.h"
+#include "sdk/V2VORGroupMemberFullInfo.h"
+#include "sdk/V2VORMessage.h"
+#include "sdk/V2VORMessageExtension.h"
+#include "sdk/V2VORMessageExtensionResult.h"
+#include "sdk/V2VOROfflinePushInfo.h"
+#include "sdk/V2VORUserFullInfo.h"
+
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <QVariant>
+#include <optional>
+
+class MessagingServer;
+class V2VORAdvancedMsgListener;
+
+enum V2VORLoginStatus : int {
+    V2VOR_STATUS_LOGINED = 1,
+    V2VOR_STATUS_LOGINING = 2,
+    V2VOR_STATUS_LOGOUT = 3,
+};
+
+enum V2VORMessagePriority : int {
+    V2VOR_PRIORITY_DEFAULT = 0,
+    V2VOR_PRIORITY_HIGH = 1,
+    V2VOR_PRIORITY_NORMAL = 2,
+    V2VOR_PRIORITY_LOW = 3,
+};
+
+class V2VORManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    using MessageListSucc = V2VORValueSucc<QList<V2VORMessagePtr>>;
+    using ExtensionListSucc = V2VORValueSucc<QList<V2VORMessageExtension>>;
+    using ExtensionResultSucc = V2VORValueSucc<QList<V2VORMessageExtensionResult>>;
+    using MemberListSucc = V2VORValueSucc<QList<V2VORGroupMemberFullInfo>>;
+    using UserListSucc = V2VORValueSucc<QList<V2VORUserFullInfo>>;
+    using ModifyCompletion = std::function<void(int code, const QString &desc, const V2VORMessagePtr &message)>;
+    using ExperimentalSucc = V2VORValueSucc<QVariant>;
+
+    explicit V2VORManager(MessagingServer *server, QObject *parent = nullptr);
+    ~V2VORManager() override;
+
+    /// The client of the current process (the one the kit and the plug-in use).
+    static V2VORManager *sharedInstance();
+    static void setSharedInstance(V2VORManager *manager);
+
+    MessagingServer *server() const;
+
+    // Login.
+    void login(const QString &userID, V2VORSucc succ, V2VORFail fail);
+    void logout(V2VORSucc succ, V2VORFail fail);
+    int getLoginStatus() const;
+    QString getLoginUser() const;
+
+    // Messages.
+    /// A custom message carrying `data`; null when `data` is empty.
+    V2VORMessagePtr createCustomMessage(const QByteArray &data);
+    V2VORMessagePtr createTextMessage(const QString &text);
+    /// Sends to `groupID` (or to `receiver` one-to-one). On success the message object gets
+    /// its msgID, seq, sender, timestamp and status 2; on failure status 3. Returns the msgID
+    /// the message will carry.
+    QString sendMessage(const V2VORMessagePtr &message, const QString &receiver, const QString &groupID,
+                        int priority, bool onlineUserOnly, const std::optional<V2VOROfflinePushInfo> &offlinePushInfo,
+                        V2VORProgress progress, V2VORSucc succ, V2VORFail fail);
+    /// Looks messages up in this client's own local history only (sent, received or fetched).
+    void findMessages(const QStringList &msgIDs, MessageListSucc succ, V2VORFail fail);
+    /// Fetches up to `count` messages of a group from the service, newest first, older than
+    /// `lastMsg` when given, and keeps them in the local history.
+    void getGroupHistoryMessageList(const QString &groupID, int count, const V2VORMessagePtr &lastMsg,
+                                    MessageListSucc succ, V2VORFail fail);
+    /// Replaces the message's custom data on the service. A copy older than the service's
+    /// answers V2VOR_ERR_MESSAGE_MODIFY_CONFLICT with the current message.
+    void modifyMessage(const V2VORMessagePtr &message, ModifyCompletion completion);
+
+    // Extensions, by message object.
+    void setMessageExtensions(const V2VORMessagePtr &message, const QList<V2VORMessageExtension> &extensions,
+                              ExtensionResultSucc succ, V2VORFail fail);
+    void getMessageExtensions(const V2VORMessagePtr &message, ExtensionListSucc succ, V2VORFail fail);
+    void deleteMessageExtensions(const V2VORMessagePtr &message, const QStringList &keys, ExtensionResultSucc succ,
+                                 V2VORFail fail);
+
+    /// Named calls outside the stable API:
+    /// - "getMessageExtensionsBySequence": param QVariantMap {"groupID", "messageSequence"};
+    ///   result QList<V2VORMessageExtension>.
+    /// - "setMessageExtensionsBySequence": param adds "messageExtensionList"
+    ///   (QList<V2VORMessageExtension>); result QList<V2VORMessageExtensionResult>.
+    /// - "writeLog": param the text; it goes to this client's log (writtenLogs()).
+    void callExperimentalAPI(const QString &api, const QVariant &param, ExperimentalSucc succ, V2VORFail fail);
+
+    // Users and groups.
+    void getUsersInfo(const QStringList &userIDs, UserListSucc succ, V2VORFail fail);
+    void getGroupMembersInfo(const QString &groupID, const QStringList &memberList, MemberListSucc succ,
+                             V2VORFail fail);
+
+    // Listeners.
+    void addAdvancedMsgListener(V2VORAdvancedMsgListener *listener);
+    void removeAdvancedMsgListener(V2VORAdvancedMsgListener *listener);
+
+    /// Lines written with "writeLog", oldest first.
+    QStringList writtenLogs() const;
+
+private:
+    friend class MessagingServer;
+    friend class V2VORAdvancedMsgListener;
+    class Private;
+    std::unique_ptr<Private> d;
+};
