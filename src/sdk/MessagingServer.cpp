@@ -1,0 +1,1 @@
+#include "sdk/MessagingServer.h"

@@ -1,0 +1,1 @@
+#include "sdk/V2VORAdvancedMsgListener.h"
