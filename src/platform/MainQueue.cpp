@@ -30,7 +30,9 @@ double MainQueue::now()
 
 void MainQueue::async(Task task)
 {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(task), Qt::QueuedConnection);
+    // Without an application there is no event loop to run the task on.
+    if (QCoreApplication *app = QCoreApplication::instance())
+        QMetaObject::invokeMethod(app, std::move(task), Qt::QueuedConnection);
 }
 
 void MainQueue::async(QObject *context, Task task)

@@ -30,7 +30,8 @@ void ManualClock::schedule(int delayMs, QObject *context, bool hasContext, Task 
 
 void ManualClock::advance(double ms)
 {
-    const double target = m_now + ms;
+    // Time only moves forward; a task that advances the clock itself must not be undone.
+    const double target = m_now + std::max(ms, 0.0);
     for (;;) {
         auto next = std::min_element(m_pending.begin(), m_pending.end(), [](const Pending &a, const Pending &b) {
             return a.due < b.due || (a.due == b.due && a.order < b.order);
@@ -43,7 +44,7 @@ void ManualClock::advance(double ms)
         if (!due.hasContext || due.context)
             due.task();
     }
-    m_now = target;
+    m_now = std::max(m_now, target);
 }
 
 void ManualClock::setNow(double ms)

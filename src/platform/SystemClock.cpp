@@ -4,6 +4,8 @@
 #include <QDateTime>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace platform {
 
 double SystemClock::now() const
@@ -15,9 +17,12 @@ void SystemClock::schedule(int delayMs, QObject *context, bool hasContext, Task 
 {
     if (hasContext && !context)
         return;
+    QCoreApplication *app = QCoreApplication::instance();
+    if (!hasContext && !app)
+        return;
     // QTimer drops a single shot whose context object is gone.
-    QObject *receiver = hasContext ? context : QCoreApplication::instance();
-    QTimer::singleShot(delayMs, receiver, std::move(task));
+    QObject *receiver = hasContext ? context : app;
+    QTimer::singleShot(std::max(delayMs, 0), receiver, std::move(task));
 }
 
 } // namespace platform

@@ -1,1 +1,7 @@
 #include "kit/common/ZIQConfig.h"
+
+ZIQConfig &ZIQConfig::defaultConfig()
+{
+    static ZIQConfig config;
+    return config;
+}

@@ -16,6 +16,8 @@ public:
     static QByteArray dictionary2JsonData(const QJsonObject &dictionary);
     static QString dictionary2JsonStr(const QJsonObject &dictionary);
 
-    /// Shows `text` for `duration` seconds over the active window.
-    static void makeToast(const QString &text, double duration = 3.0, ZIQToastPosition position = ZIQToastPosition::Center);
+    /// Shows `text` for `duration` seconds over the active window. A duration that is not a
+    /// positive number of seconds falls back to 3 seconds; empty text shows nothing.
+    static void makeToast(
+        const QString &text, double duration = 3.0, ZIQToastPosition position = ZIQToastPosition::Center);
 };

@@ -1,0 +1,8 @@
+#include "kit/core/ZIQExtensionProtocol.h"
+
+#include "kit/core/ZIQCore.h"
+
+ZIQExtensionProtocol::~ZIQExtensionProtocol()
+{
+    ZIQCore::unRegisterExtension(this);
+}
