@@ -1,1 +1,319 @@
 #include "sdk/V2VORManager.h"
+
+#include "sdk/V2VORManagerPrivate.h"
+
+namespace {
+
+QPointer<V2VORManager> &sharedClient()
+{
+    static QPointer<V2VORManager> client;
+    return client;
+}
+
+CallError invalid(const QString &desc)
+{
+    return { V2VOR_ERR_INVALID_PARAMETERS, desc };
+}
+
+/// Takes over what the service assigned when it accepted `source`.
+void adoptSentState(V2VORMessage &target, const V2VORMessage &source)
+{
+    target.setMsgID(source.msgID());
+    target.setSeq(source.seq());
+    target.setGroupID(source.groupID());
+    target.setSender(source.sender());
+    target.setNickName(source.nickName());
+    target.setFaceURL(source.faceURL());
+    target.setTimestamp(source.timestamp());
+    target.setIsSelf(source.isSelf());
+    target.setStatus(source.status());
+    target.setMessageVersion(source.messageVersion());
+}
+
+QList<V2VORMessagePtr> cloned(const QList<V2VORMessagePtr> &messages)
+{
+    QList<V2VORMessagePtr> copies;
+    for (const V2VORMessagePtr &message : messages)
+        copies.append(message->clone());
+    return copies;
+}
+
+} // namespace
+
+V2VORManager::V2VORManager(MessagingServer *server, QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>(this, server))
+{
+    Private::allClients().append(this);
+    if (d->service())
+        d->service()->clients.append(this);
+}
+
+V2VORManager::~V2VORManager()
+{
+    Private::allClients().removeOne(this);
+    if (d->service())
+        d->service()->clients.removeAll(this);
+}
+
+V2VORManager *V2VORManager::sharedInstance()
+{
+    return sharedClient();
+}
+
+void V2VORManager::setSharedInstance(V2VORManager *manager)
+{
+    sharedClient() = manager;
+}
+
+MessagingServer *V2VORManager::server() const
+{
+    return d->server;
+}
+
+void V2VORManager::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("login"), false))
+        return d->postFailure(fail, *refused);
+    if (userID.isEmpty())
+        return d->postFailure(fail, invalid(QStringLiteral("login needs a user ID")));
+    if (!d->server->hasUser(userID))
+        d->server->addUser(userID);
+    if (userID != d->userID) {
+        d->history.clear();
+        d->versions.clear();
+    }
+    d->userID = userID;
+    d->status = V2VOR_STATUS_LOGINING;
+    d->post([this, succ] {
+        if (d->status == V2VOR_STATUS_LOGINING)
+            d->status = V2VOR_STATUS_LOGINED;
+        if (succ)
+            succ();
+    });
+}
+
+void V2VORManager::logout(V2VORSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("logout")))
+        return d->postFailure(fail, *refused);
+    d->userID.clear();
+    d->status = V2VOR_STATUS_LOGOUT;
+    d->post([succ] {
+        if (succ)
+            succ();
+    });
+}
+
+int V2VORManager::getLoginStatus() const
+{
+    return d->status;
+}
+
+QString V2VORManager::getLoginUser() const
+{
+    return d->userID;
+}
+
+V2VORMessagePtr V2VORManager::createCustomMessage(const QByteArray &data)
+{
+    if (data.isEmpty())
+        return nullptr;
+    auto message = std::make_shared<V2VORMessage>();
+    message->setElemType(V2VOR_ELEM_TYPE_CUSTOM);
+    message->setCustomElem(std::make_unique<V2VORCustomElem>(V2VORCustomElem { data, {}, {} }));
+    return message;
+}
+
+V2VORMessagePtr V2VORManager::createTextMessage(const QString &text)
+{
+    auto message = std::make_shared<V2VORMessage>();
+    message->setElemType(V2VOR_ELEM_TYPE_TEXT);
+    message->setText(text);
+    return message;
+}
+
+QString V2VORManager::sendMessage(const V2VORMessagePtr &message, const QString &receiver, const QString &groupID,
+    int priority, bool onlineUserOnly, const std::optional<V2VOROfflinePushInfo> &offlinePushInfo,
+    V2VORProgress progress, V2VORSucc succ, V2VORFail fail)
+{
+    if (message && d->service() && (message->msgID().isEmpty() || d->server->messageByID(message->msgID())))
+        message->setMsgID(d->service()->newMessageID());
+    if (message)
+        message->setStatus(V2VOR_MSG_STATUS_SENDING);
+    const QString msgID = message ? message->msgID() : QString();
+
+    ServiceReply<V2VORMessagePtr> reply;
+    if (auto refused = d->admit(QStringLiteral("sendMessage")))
+        reply.error = *refused;
+    else
+        reply = d->service()->send(
+            this, d->userID, message, receiver, groupID, { msgID, priority, onlineUserOnly, offlinePushInfo });
+    if (reply.error) {
+        d->post([message, fail, error = reply.error] {
+            if (message)
+                message->setStatus(V2VOR_MSG_STATUS_SEND_FAIL);
+            if (fail)
+                fail(error.code, error.desc);
+        });
+        return msgID;
+    }
+    d->remember(reply.value);
+    d->post([message, sent = reply.value, progress, succ] {
+        adoptSentState(*message, *sent);
+        if (progress)
+            progress(100);
+        if (succ)
+            succ();
+    });
+    return msgID;
+}
+
+void V2VORManager::findMessages(const QStringList &msgIDs, MessageListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("findMessages")))
+        return d->postFailure(fail, *refused);
+    QList<V2VORMessagePtr> found;
+    for (const QString &msgID : msgIDs) {
+        if (const V2VORMessagePtr local = d->history.value(msgID))
+            found.append(local->clone());
+    }
+    d->postValue(succ, found);
+}
+
+void V2VORManager::getGroupHistoryMessageList(
+    const QString &groupID, int count, const V2VORMessagePtr &lastMsg, MessageListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("getGroupHistoryMessageList")))
+        return d->postFailure(fail, *refused);
+    const auto reply = d->service()->history(d->userID, groupID, count, lastMsg ? lastMsg->seq() : 0);
+    if (reply.error)
+        return d->postFailure(fail, reply.error);
+    for (const V2VORMessagePtr &message : reply.value)
+        d->remember(message);
+    d->postValue(succ, cloned(reply.value));
+}
+
+void V2VORManager::modifyMessage(const V2VORMessagePtr &message, ModifyCompletion completion)
+{
+    auto complete = [this, completion](const CallError &error, const V2VORMessagePtr &current) {
+        d->post([completion, error, current] {
+            if (completion)
+                completion(error.code, error.desc, current ? current->clone() : nullptr);
+        });
+    };
+    if (auto refused = d->admit(QStringLiteral("modifyMessage"))) {
+        const bool withCurrent = refused->code == V2VOR_ERR_MESSAGE_MODIFY_CONFLICT && message;
+        return complete(*refused, withCurrent ? d->service()->copyFor(message->msgID(), d->userID) : nullptr);
+    }
+    if (!message)
+        return complete(invalid(QStringLiteral("no message to modify")), nullptr);
+    const auto reply = d->service()->modify(d->userID, *message);
+    if (reply.error)
+        return complete(reply.error, reply.value);
+    d->remember(reply.value);
+    d->post([message, completion, modified = reply.value] {
+        message->setMessageVersion(modified->messageVersion());
+        if (completion)
+            completion(V2VOR_SUCC, {}, modified->clone());
+    });
+}
+
+namespace {
+
+/// Extensions live only on messages the service has accepted.
+std::optional<CallError> checkSent(const V2VORMessagePtr &message)
+{
+    if (!message || message->msgID().isEmpty() || message->status() != V2VOR_MSG_STATUS_SEND_SUCC)
+        return CallError { V2VOR_ERR_EXTENSION_NOT_SUPPORTED, QStringLiteral("extensions need a sent message") };
+    return std::nullopt;
+}
+
+} // namespace
+
+void V2VORManager::setMessageExtensions(const V2VORMessagePtr &message, const QList<V2VORMessageExtension> &extensions,
+    ExtensionResultSucc succ, V2VORFail fail)
+{
+    auto refused = d->admit(QStringLiteral("setMessageExtensions"));
+    if (!refused)
+        refused = checkSent(message);
+    if (refused)
+        return d->postFailure(fail, *refused);
+    const QString msgID = message->msgID();
+    d->replyExtensionResults(
+        d->service()->setExtensions(d->userID, msgID, extensions, d->seenVersions(msgID)), succ, fail);
+}
+
+void V2VORManager::getMessageExtensions(const V2VORMessagePtr &message, ExtensionListSucc succ, V2VORFail fail)
+{
+    auto refused = d->admit(QStringLiteral("getMessageExtensions"));
+    if (!refused)
+        refused = checkSent(message);
+    if (refused)
+        return d->postFailure(fail, *refused);
+    const ExtensionReply reply = d->service()->getExtensions(d->userID, message->msgID());
+    if (reply.error)
+        return d->postFailure(fail, reply.error);
+    d->learnVersions(reply.msgID, reply.versions);
+    d->postValue(succ, reply.extensions);
+}
+
+void V2VORManager::deleteMessageExtensions(
+    const V2VORMessagePtr &message, const QStringList &keys, ExtensionResultSucc succ, V2VORFail fail)
+{
+    auto refused = d->admit(QStringLiteral("deleteMessageExtensions"));
+    if (!refused)
+        refused = checkSent(message);
+    if (refused)
+        return d->postFailure(fail, *refused);
+    d->replyExtensionResults(d->service()->deleteExtensions(d->userID, message->msgID(), keys), succ, fail);
+}
+
+void V2VORManager::callExperimentalAPI(const QString &api, const QVariant &param, ExperimentalSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(api, true, QStringLiteral("callExperimentalAPI")))
+        return d->postFailure(fail, *refused);
+    if (api == QLatin1String("getMessageExtensionsBySequence")
+        || api == QLatin1String("setMessageExtensionsBySequence"))
+        return d->callBySequence(api, param, succ, fail);
+    if (api != QLatin1String("writeLog"))
+        return d->postFailure(fail, invalid(QStringLiteral("unknown experimental API \"%1\"").arg(api)));
+    if (param.typeId() != QMetaType::QString)
+        return d->postFailure(fail, invalid(QStringLiteral("writeLog needs the text to write")));
+    d->logs.append(param.toString());
+    d->postValue(succ, QVariant());
+}
+
+void V2VORManager::getUsersInfo(const QStringList &userIDs, UserListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("getUsersInfo")))
+        return d->postFailure(fail, *refused);
+    d->postValue(succ, d->service()->usersInfo(userIDs));
+}
+
+void V2VORManager::getGroupMembersInfo(
+    const QString &groupID, const QStringList &memberList, MemberListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("getGroupMembersInfo")))
+        return d->postFailure(fail, *refused);
+    const auto reply = d->service()->members(d->userID, groupID, memberList);
+    if (reply.error)
+        return d->postFailure(fail, reply.error);
+    d->postValue(succ, reply.value);
+}
+
+void V2VORManager::addAdvancedMsgListener(V2VORAdvancedMsgListener *listener)
+{
+    if (listener && !d->listeners.contains(listener))
+        d->listeners.append(listener);
+}
+
+void V2VORManager::removeAdvancedMsgListener(V2VORAdvancedMsgListener *listener)
+{
+    d->listeners.removeAll(listener);
+}
+
+QStringList V2VORManager::writtenLogs() const
+{
+    return d->logs;
+}

@@ -1,0 +1,91 @@
+// Internals of the in-process messaging service: the directory, the conversations with their
+// messages and extensions, fault injection, and the delivery of events to member clients.
+// Clients call the operations below synchronously and report the outcome later themselves.
+#pragma once
+
+#include "sdk/ExtensionStore.h"
+#include "sdk/MessagingServer.h"
+#include "sdk/ServiceReply.h"
+#include "sdk/V2VORUserFullInfo.h"
+
+#include <QHash>
+#include <QPointer>
+#include <functional>
+
+class MessagingServer::Private
+{
+public:
+    struct User
+    {
+        QString nickName;
+        QString faceURL;
+    };
+    /// A group, or the one-to-one chat of two users.
+    struct Conversation
+    {
+        bool isGroup = true;
+        QStringList members;
+        QHash<QString, QString> nameCards;
+        /// Message IDs in sequence order: the message with seq n is at n - 1.
+        QStringList messageIDs;
+    };
+    struct StoredMessage
+    {
+        V2VORMessagePtr message;
+        QString conversation;
+        ExtensionStore extensions;
+        SendRecord record;
+    };
+    /// Turns an event into the task one client runs when it hears of it.
+    using EventFactory = std::function<std::function<void()>(V2VORManager *client, const QString &userID)>;
+
+    // Calls made by clients.
+    std::optional<CallError> admit(const QStringList &operations);
+    QString newMessageID();
+    ServiceReply<V2VORMessagePtr> send(V2VORManager *caller, const QString &sender, const V2VORMessagePtr &message,
+        const QString &receiver, const QString &groupID, const SendRecord &record);
+    ServiceReply<QList<V2VORMessagePtr>> history(
+        const QString &userID, const QString &groupID, int count, quint64 beforeSeq) const;
+    ServiceReply<V2VORMessagePtr> modify(const QString &userID, const V2VORMessage &message);
+    ServiceReply<QString> messageAt(const QString &userID, const QString &groupID, quint64 seq) const;
+    ExtensionReply getExtensions(const QString &userID, const QString &msgID) const;
+    ExtensionReply setExtensions(const QString &userID, const QString &msgID,
+        const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &seenVersions);
+    ExtensionReply deleteExtensions(const QString &userID, const QString &msgID, const QStringList &keys);
+    ServiceReply<QList<V2VORGroupMemberFullInfo>> members(
+        const QString &userID, const QString &groupID, const QStringList &memberIDs) const;
+    QList<V2VORUserFullInfo> usersInfo(const QStringList &userIDs) const;
+    /// The service's message as `userID` would hold it; null when there is none.
+    V2VORMessagePtr copyFor(const QString &msgID, const QString &userID) const;
+
+    QHash<QString, User> users;
+    QHash<QString, Conversation> conversations;
+    /// viewer -> target -> remark
+    QHash<QString, QHash<QString, QString>> friendRemarks;
+    QHash<QString, StoredMessage> messages;
+    quint64 lastMessageNumber = 0;
+    QList<QPointer<V2VORManager>> clients;
+
+    QHash<QString, QList<CallError>> failures;
+    QHash<QString, CallError> keyFailures;
+    QHash<QString, int> callCounts;
+
+    struct HeldEvent
+    {
+        QPointer<V2VORManager> client;
+        std::function<void()> task;
+    };
+    bool holding = false;
+    QList<HeldEvent> heldEvents;
+
+private:
+    CallError checkConversation(const QString &userID, const QString &groupID) const;
+    CallError checkExtensionAccess(const QString &userID, const QString &msgID) const;
+    static CallError checkBody(const V2VORMessage &message);
+    QString conversationFor(const QString &sender, const QString &receiver, const QString &groupID);
+    /// Hands an event to every logged-in client of the conversation's members but `except`.
+    void publish(const QString &conversation, const EventFactory &factory, V2VORManager *except = nullptr);
+    void publishExtensionChange(const QString &msgID, const QList<V2VORMessageExtension> &changed,
+        const QStringList &deleted, const QHash<QString, quint64> &versions);
+    std::optional<V2VORMessageExtensionResult> injectedKeyFailure(const QString &key, const QString &value);
+};

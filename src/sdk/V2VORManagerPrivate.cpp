@@ -1,0 +1,159 @@
+#include "sdk/V2VORManagerPrivate.h"
+
+#include "platform/MainQueue.h"
+#include "sdk/V2VORAdvancedMsgListener.h"
+
+V2VORManager::Private::Private(V2VORManager *q, MessagingServer *server)
+    : q(q)
+    , server(server)
+{
+}
+
+QList<V2VORManager *> &V2VORManager::Private::allClients()
+{
+    static QList<V2VORManager *> clients;
+    return clients;
+}
+
+MessagingServer::Private *V2VORManager::Private::service() const
+{
+    return server ? server->d.get() : nullptr;
+}
+
+std::optional<CallError> V2VORManager::Private::admit(const QString &operation, bool needsLogin, const QString &alias)
+{
+    if (!service())
+        return CallError { V2VOR_ERR_NOT_LOGGED_IN, QStringLiteral("the messaging service is gone") };
+    QStringList operations { operation };
+    if (!alias.isEmpty())
+        operations.append(alias);
+    if (auto injected = service()->admit(operations))
+        return injected;
+    if (needsLogin && status != V2VOR_STATUS_LOGINED)
+        return CallError { V2VOR_ERR_NOT_LOGGED_IN, QStringLiteral("%1 needs a logged-in user").arg(operation) };
+    return std::nullopt;
+}
+
+void V2VORManager::Private::post(std::function<void()> task)
+{
+    platform::MainQueue::async(q, std::move(task));
+}
+
+void V2VORManager::Private::postFailure(const V2VORFail &fail, const CallError &error)
+{
+    post([fail, error] {
+        if (fail)
+            fail(error.code, error.desc);
+    });
+}
+
+void V2VORManager::Private::remember(const V2VORMessagePtr &copy)
+{
+    if (copy && !copy->msgID().isEmpty())
+        history.insert(copy->msgID(), copy->clone());
+}
+
+void V2VORManager::Private::learnVersions(const QString &msgID, const QHash<QString, quint64> &learned)
+{
+    QHash<QString, quint64> &known = versions[msgID];
+    for (auto it = learned.cbegin(); it != learned.cend(); ++it)
+        known[it.key()] = std::max(known.value(it.key()), it.value());
+}
+
+QHash<QString, quint64> V2VORManager::Private::seenVersions(const QString &msgID) const
+{
+    return versions.value(msgID);
+}
+
+void V2VORManager::Private::replyExtensionResults(
+    const ExtensionReply &reply, const ExtensionResultSucc &succ, const V2VORFail &fail)
+{
+    if (reply.error) {
+        postFailure(fail, reply.error);
+        return;
+    }
+    learnVersions(reply.msgID, reply.versions);
+    post([succ, results = reply.results] {
+        if (succ)
+            succ(results);
+    });
+}
+
+void V2VORManager::Private::receiveNewMessage(const V2VORMessagePtr &copy)
+{
+    remember(copy);
+    notifyListeners([copy](V2VORAdvancedMsgListener *listener) { listener->onRecvNewMessage(copy->clone()); });
+}
+
+void V2VORManager::Private::receiveModified(const V2VORMessagePtr &copy)
+{
+    if (history.contains(copy->msgID()))
+        remember(copy);
+    notifyListeners([copy](V2VORAdvancedMsgListener *listener) { listener->onRecvMessageModified(copy->clone()); });
+}
+
+void V2VORManager::Private::receiveExtensionsChanged(
+    const QString &msgID, const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &learned)
+{
+    learnVersions(msgID, learned);
+    notifyListeners(
+        [&](V2VORAdvancedMsgListener *listener) { listener->onRecvMessageExtensionsChanged(msgID, extensions); });
+}
+
+void V2VORManager::Private::receiveExtensionsDeleted(
+    const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &learned)
+{
+    learnVersions(msgID, learned);
+    notifyListeners([&](V2VORAdvancedMsgListener *listener) { listener->onRecvMessageExtensionsDeleted(msgID, keys); });
+}
+
+void V2VORManager::Private::notifyListeners(const std::function<void(V2VORAdvancedMsgListener *)> &call)
+{
+    // A listener may remove (or destroy) another one while it is being told.
+    const QList<V2VORAdvancedMsgListener *> current = listeners;
+    for (V2VORAdvancedMsgListener *listener : current) {
+        if (listeners.contains(listener))
+            call(listener);
+    }
+}
+
+namespace {
+
+CallError invalid(const QString &desc)
+{
+    return { V2VOR_ERR_INVALID_PARAMETERS, desc };
+}
+
+} // namespace
+
+void V2VORManager::Private::callBySequence(
+    const QString &api, const QVariant &param, const ExperimentalSucc &succ, const V2VORFail &fail)
+{
+    const QVariantMap map = param.toMap();
+    const QString groupID = map.value(QStringLiteral("groupID")).toString();
+    bool sequenceOK = false;
+    const quint64 sequence = map.value(QStringLiteral("messageSequence")).toULongLong(&sequenceOK);
+    if (groupID.isEmpty() || !sequenceOK)
+        return postFailure(fail, invalid(QStringLiteral("%1 needs \"groupID\" and \"messageSequence\"").arg(api)));
+
+    const bool isWrite = api == QLatin1String("setMessageExtensionsBySequence");
+    const QVariant list = map.value(QStringLiteral("messageExtensionList"));
+    if (isWrite && !list.canConvert<QList<V2VORMessageExtension>>())
+        return postFailure(fail, invalid(QStringLiteral("%1 needs \"messageExtensionList\"").arg(api)));
+
+    const ServiceReply<QString> located = service()->messageAt(userID, groupID, sequence);
+    if (located.error)
+        return postFailure(fail, located.error);
+    const QString &msgID = located.value;
+    const ExtensionReply reply = isWrite
+        ? service()->setExtensions(userID, msgID, list.value<QList<V2VORMessageExtension>>(), seenVersions(msgID))
+        : service()->getExtensions(userID, msgID);
+    if (reply.error)
+        return postFailure(fail, reply.error);
+    learnVersions(msgID, reply.versions);
+    const QVariant result = isWrite ? QVariant::fromValue(reply.results) : QVariant::fromValue(reply.extensions);
+    post([succ, result] {
+        if (succ)
+            succ(result);
+    });
+}

@@ -1,0 +1,60 @@
+// Internals of one messaging client: login state, the local message history a device would
+// keep, the extension versions this client last saw, listeners and the log sink.
+#pragma once
+
+#include "sdk/MessagingServerPrivate.h"
+#include "sdk/V2VORManager.h"
+
+#include <QHash>
+#include <QPointer>
+#include <functional>
+
+class V2VORManager::Private
+{
+public:
+    Private(V2VORManager *q, MessagingServer *server);
+
+    /// Every client of the process, so that a dying listener can leave them all.
+    static QList<V2VORManager *> &allClients();
+
+    MessagingServer::Private *service() const;
+    /// Counts the call and says why it is refused: no service, an injected failure, no login.
+    std::optional<CallError> admit(const QString &operation, bool needsLogin = true, const QString &alias = {});
+    /// Runs `task` on a later turn of the main queue, unless this client is gone by then.
+    void post(std::function<void()> task);
+    void postFailure(const V2VORFail &fail, const CallError &error);
+    template<typename T> void postValue(const V2VORValueSucc<T> &succ, const T &value)
+    {
+        post([succ, value] {
+            if (succ)
+                succ(value);
+        });
+    }
+
+    void remember(const V2VORMessagePtr &copy);
+    void learnVersions(const QString &msgID, const QHash<QString, quint64> &versions);
+    QHash<QString, quint64> seenVersions(const QString &msgID) const;
+    void replyExtensionResults(const ExtensionReply &reply, const ExtensionResultSucc &succ, const V2VORFail &fail);
+    void callBySequence(const QString &api, const QVariant &param, const ExperimentalSucc &succ, const V2VORFail &fail);
+
+    // Events from the service, on the main queue.
+    void receiveNewMessage(const V2VORMessagePtr &copy);
+    void receiveModified(const V2VORMessagePtr &copy);
+    void receiveExtensionsChanged(
+        const QString &msgID, const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &versions);
+    void receiveExtensionsDeleted(
+        const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions);
+
+    V2VORManager *q;
+    QPointer<MessagingServer> server;
+    QString userID;
+    int status = V2VOR_STATUS_LOGOUT;
+    QHash<QString, V2VORMessagePtr> history;
+    /// msgID -> key -> version
+    QHash<QString, QHash<QString, quint64>> versions;
+    QList<V2VORAdvancedMsgListener *> listeners;
+    QStringList logs;
+
+private:
+    void notifyListeners(const std::function<void(V2VORAdvancedMsgListener *)> &call);
+};
