@@ -13,7 +13,7 @@ public:
     /// Value of an entry whose newest generation was deleted through the sequence path.
     static inline const QString deletedMarker = QStringLiteral("__kZIQKit_GroupNoteDeleted__");
 
-    /// "userID_timestamp_keySeq"; the timestamp printed as "%.0f" does.
+    /// "userID_timestamp_keySeq"; the timestamp printed as C's "%.0f" does (ties to even).
     static QString entryKey(const QString &userID, double timestampInMS, qint64 keySeq);
     /// "userID_timestamp".
     static QString entryKeyWithoutSeq(const QString &userID, double timestampInMS);
