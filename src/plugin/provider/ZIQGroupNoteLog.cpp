@@ -1,0 +1,3 @@
+#include "plugin/provider/ZIQGroupNoteLog.h"
+
+Q_LOGGING_CATEGORY(lcZIQGroupNote, "ziq.groupnote")
