@@ -1,0 +1,226 @@
+#include "plugin/picker/ZIQBRPickerStyle.h"
+
+#include "kit/common/ZIQGlobalization.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+
+namespace {
+
+constexpr qreal DefaultTitleBarHeight = 44;
+constexpr qreal DefaultPickerHeight = 216;
+constexpr qreal DefaultRowHeight = 35;
+constexpr qreal DefaultLineHeight = 0.5;
+
+QFont systemFont(int pixelSize, bool bold = false)
+{
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(pixelSize);
+    font.setBold(bold);
+    return font;
+}
+
+QColor grey(qreal white)
+{
+    return QColor::fromRgbF(white, white, white);
+}
+
+// Qt has no semantic system colours; these are the light-appearance values they stand for.
+QColor separatorGrey()
+{
+    return QColor(198, 198, 200);
+}
+
+QColor labelColor()
+{
+    return grey(0.2);
+}
+
+QColor groupedSecondaryBackground()
+{
+    return QColor(Qt::white);
+}
+
+} // namespace
+
+QColor ZIQBRPickerStyle::br_colorWithLightColor(const QColor &lightColor, const QColor &darkColor)
+{
+    const QColor window = QGuiApplication::palette().color(QPalette::Window);
+    return window.lightnessF() < 0.5 ? darkColor : lightColor;
+}
+
+ZIQBRPickerStyle ZIQBRPickerStyle::pickerStyleWithThemeColor(const QColor &themeColor)
+{
+    ZIQBRPickerStyle style;
+    style.setCancelTextColor(themeColor);
+    style.setCancelBorderStyle(ZIQBRBorderStyle::Solid);
+    style.setCancelCornerRadius(6);
+    style.setCancelBorderWidth(1);
+    style.setTitleTextColor(themeColor);
+    style.setDoneColor(themeColor);
+    style.setDoneTextColor(Qt::white);
+    style.setDoneBorderStyle(ZIQBRBorderStyle::Fill);
+    style.setDoneCornerRadius(6);
+    return style;
+}
+
+ZIQBRPickerStyle ZIQBRPickerStyle::pickerStyleWithDoneTextColor(const QColor &doneTextColor)
+{
+    ZIQBRPickerStyle style;
+    style.setDoneTextColor(doneTextColor);
+    style.setDoneTextFont(systemFont(16, true));
+    style.setDoneBtnTitle(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteNotDatePickerDone")));
+    return style;
+}
+
+ZIQBRPickerStyle ZIQBRPickerStyle::pickerStyleWithDoneBtnImage(const QPixmap &doneBtnImage)
+{
+    ZIQBRPickerStyle style;
+    style.setDoneBtnImage(doneBtnImage);
+    style.setDoneBtnTitle(QString());
+    return style;
+}
+
+QColor ZIQBRPickerStyle::maskColor() const
+{
+    if (m_maskColor)
+        return *m_maskColor;
+    QColor light = Qt::black;
+    light.setAlphaF(0.3);
+    QColor dark = grey(0.4);
+    dark.setAlphaF(0.3);
+    return br_colorWithLightColor(light, dark);
+}
+
+QColor ZIQBRPickerStyle::shadowLineColor() const
+{
+    return m_shadowLineColor.value_or(separatorGrey());
+}
+
+qreal ZIQBRPickerStyle::shadowLineHeight() const
+{
+    return m_shadowLineHeight <= 0 || m_shadowLineHeight > 5 ? DefaultLineHeight : m_shadowLineHeight;
+}
+
+qreal ZIQBRPickerStyle::paddingBottom() const
+{
+    // Qt reports no bottom safe-area inset, so an unset padding is 0.
+    return m_paddingBottom > 0 ? m_paddingBottom : 0;
+}
+
+QColor ZIQBRPickerStyle::titleBarColor() const
+{
+    return m_titleBarColor.value_or(groupedSecondaryBackground());
+}
+
+qreal ZIQBRPickerStyle::titleBarHeight() const
+{
+    if (m_hiddenTitleBarView)
+        return 0;
+    const bool barIsEmpty = m_hiddenTitleLabel && m_hiddenCancelBtn && m_hiddenDoneBtn;
+    if (m_titleBarHeight < DefaultTitleBarHeight && !barIsEmpty)
+        return DefaultTitleBarHeight;
+    return m_titleBarHeight;
+}
+
+QColor ZIQBRPickerStyle::titleLineColor() const
+{
+    return m_titleLineColor.value_or(br_colorWithLightColor(QColor(237, 237, 238), QColor(24, 24, 28)));
+}
+
+QColor ZIQBRPickerStyle::titleTextColor() const
+{
+    return m_titleTextColor.value_or(grey(0.6));
+}
+
+QFont ZIQBRPickerStyle::titleTextFont() const
+{
+    return m_titleTextFont.value_or(systemFont(15));
+}
+
+QRectF ZIQBRPickerStyle::titleLabelFrame(qreal screenWidth) const
+{
+    return m_titleLabelFrame.value_or(QRectF(67, 0, screenWidth - 134, DefaultTitleBarHeight));
+}
+
+QColor ZIQBRPickerStyle::cancelTextColor() const
+{
+    return m_cancelTextColor.value_or(labelColor());
+}
+
+QFont ZIQBRPickerStyle::cancelTextFont() const
+{
+    return m_cancelTextFont.value_or(systemFont(16));
+}
+
+QString ZIQBRPickerStyle::cancelBtnTitle() const
+{
+    return m_cancelBtnTitle.value_or(
+        ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteNotDatePickerCancel")));
+}
+
+QColor ZIQBRPickerStyle::doneTextColor() const
+{
+    return m_doneTextColor.value_or(labelColor());
+}
+
+QFont ZIQBRPickerStyle::doneTextFont() const
+{
+    return m_doneTextFont.value_or(systemFont(16));
+}
+
+QString ZIQBRPickerStyle::doneBtnTitle() const
+{
+    return m_doneBtnTitle.value_or(
+        ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteNotDatePickerConfirm")));
+}
+
+QRectF ZIQBRPickerStyle::doneBtnFrame(qreal screenWidth) const
+{
+    return m_doneBtnFrame.value_or(QRectF(screenWidth - 65, 8, 60, 28));
+}
+
+QColor ZIQBRPickerStyle::pickerColor() const
+{
+    return m_pickerColor.value_or(groupedSecondaryBackground());
+}
+
+QColor ZIQBRPickerStyle::separatorColor() const
+{
+    return m_separatorColor.value_or(separatorGrey());
+}
+
+QColor ZIQBRPickerStyle::pickerTextColor() const
+{
+    return m_pickerTextColor.value_or(labelColor());
+}
+
+QFont ZIQBRPickerStyle::pickerTextFont() const
+{
+    return m_pickerTextFont.value_or(systemFont(18));
+}
+
+qreal ZIQBRPickerStyle::pickerHeight() const
+{
+    return m_pickerHeight < 40 ? DefaultPickerHeight : m_pickerHeight;
+}
+
+qreal ZIQBRPickerStyle::rowHeight() const
+{
+    return m_rowHeight < 20 ? DefaultRowHeight : m_rowHeight;
+}
+
+QString ZIQBRPickerStyle::language() const
+{
+    return m_language.value_or(ZIQGlobalization::getPreferredLanguage());
+}
+
+QColor ZIQBRPickerStyle::dateUnitTextColor() const
+{
+    return m_dateUnitTextColor.value_or(labelColor());
+}
+
+QFont ZIQBRPickerStyle::dateUnitTextFont() const
+{
+    return m_dateUnitTextFont.value_or(systemFont(18));
+}
