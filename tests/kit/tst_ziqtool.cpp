@@ -73,7 +73,6 @@ void ZIQToolTest::toastDuration_data()
     QTest::addColumn<double>("seconds");
     QTest::addColumn<int>("durationMs");
 
-    QTest::newRow("default") << 3.0 << 3000;
     QTest::newRow("fraction") << 1.5 << 1500;
     QTest::newRow("zero") << 0.0 << 3000;
     QTest::newRow("negative") << -2.0 << 3000;
@@ -97,20 +96,16 @@ void ZIQToolTest::toastShownAndGoneAfterItsDuration()
 {
     platform::ManualClock clock;
     QWidget window;
-    window.resize(375, 812);
     window.show();
     QSignalSpy shown(platform::ToastCenter::instance(), &platform::ToastCenter::toastShown);
 
     ZIQTool::makeToast(QStringLiteral("Group note's content is not changed"));
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown.at(0).at(0).toString(), QStringLiteral("Group note's content is not changed"));
-    QCOMPARE(shown.at(0).at(2).toInt(), static_cast<int>(platform::ToastPosition::Center));
+    const QList<QVariant> expected { QStringLiteral("Group note's content is not changed"), 3000,
+        static_cast<int>(platform::ToastPosition::Center) };
+    QCOMPARE(shown.value(0), expected);
     QPointer<platform::Toast> toast = window.findChild<platform::Toast *>();
     QVERIFY(toast && toast->isVisible());
-
-    clock.advance(2999);
-    QVERIFY(toast->isVisible());
-    clock.advance(1);
+    clock.advance(3000);
     QTRY_VERIFY(toast.isNull());
 
     ZIQTool::makeToast(QString());

@@ -24,8 +24,7 @@ private Q_SLOTS:
     void postsToObserversInOrder();
     void removesObservers();
     void neverCallsDestroyedObservers();
-    void removalDuringAPost();
-    void additionDuringAPostWaitsForTheNext();
+    void changesDuringAPost();
 };
 
 void NotificationCenterTest::postsToObserversInOrder()
@@ -83,47 +82,27 @@ void NotificationCenterTest::neverCallsDestroyedObservers()
     QCOMPARE(center.observerCount(Updated), 0);
 }
 
-void NotificationCenterTest::removalDuringAPost()
+void NotificationCenterTest::changesDuringAPost()
 {
     NotificationCenter center;
-    QObject remover, removed;
+    QObject remover, removed, added;
     auto *destroyed = new QObject;
     QStringList calls;
     center.addObserver(&remover, Updated, [&](const Notification &) {
         calls << QStringLiteral("remover");
         center.removeObserver(&removed);
         delete destroyed;
+        center.addObserver(&added, Updated, [&](const Notification &) { calls << QStringLiteral("added"); });
+        center.removeObserver(&remover);
     });
     center.addObserver(&removed, Updated, [&](const Notification &) { calls << QStringLiteral("removed"); });
     center.addObserver(destroyed, Updated, [&](const Notification &) { calls << QStringLiteral("destroyed"); });
     center.post(Updated);
     QCOMPARE(calls, QStringList { QStringLiteral("remover") });
 
-    // An observer that removes itself is not called again by a later post.
-    QObject once;
-    int onceCalls = 0;
-    center.addObserver(&once, Other, [&](const Notification &) {
-        ++onceCalls;
-        center.removeObserver(&once);
-    });
-    center.post(Other);
-    center.post(Other);
-    QCOMPARE(onceCalls, 1);
-}
-
-void NotificationCenterTest::additionDuringAPostWaitsForTheNext()
-{
-    NotificationCenter center;
-    QObject adder, added;
-    int addedCalls = 0;
-    center.addObserver(&adder, Updated, [&](const Notification &) {
-        if (center.observerCount(Updated) == 1)
-            center.addObserver(&added, Updated, [&](const Notification &) { ++addedCalls; });
-    });
+    // An observer added during a post hears the next one; one that removed itself does not.
     center.post(Updated);
-    QCOMPARE(addedCalls, 0);
-    center.post(Updated);
-    QCOMPARE(addedCalls, 1);
+    QCOMPARE(calls, (QStringList { QStringLiteral("remover"), QStringLiteral("added") }));
 }
 
 QTEST_GUILESS_MAIN(NotificationCenterTest)

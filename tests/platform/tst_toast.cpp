@@ -24,7 +24,6 @@ private Q_SLOTS:
     void placesTheToastOverTheWindow();
     void disappearsAfterItsDuration();
     void aNewToastReplacesTheOldOne();
-    void emptyTextShowsNothing();
 
 private:
     std::unique_ptr<QWidget> m_window;
@@ -104,20 +103,14 @@ void ToastTest::aNewToastReplacesTheOldOne()
 
     QVERIFY(second && second != first);
     QTRY_VERIFY(first.isNull());
+    // Empty text neither shows nor replaces anything.
+    ToastCenter::instance()->show(QString(), 3000);
+    QCOMPARE(ToastCenter::instance()->currentToast(), second.data());
     // The second keeps its own full duration.
     clock.advance(2500);
     QVERIFY(second->isVisible());
     clock.advance(500);
     QVERIFY(!second->isVisible());
-}
-
-void ToastTest::emptyTextShowsNothing()
-{
-    ManualClock clock;
-    QSignalSpy shown(ToastCenter::instance(), &ToastCenter::toastShown);
-    ToastCenter::instance()->show(QString(), 3000);
-    QCOMPARE(shown.size(), 0);
-    QVERIFY(!m_window->findChild<Toast *>());
 }
 
 QTEST_MAIN(ToastTest)

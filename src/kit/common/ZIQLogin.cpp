@@ -46,7 +46,7 @@ void ZIQLogin::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
             fail(-1, QStringLiteral("no messaging client"));
         return;
     }
-    // The client outlives neither the process nor a test; hold it weakly all the same.
+    // The client may be gone (a test tearing down) by the time the login is answered.
     QPointer<V2VORManager> weakClient(client);
     auto loggedIn = [weakClient, userID, succ] {
         if (!weakClient) {
