@@ -4,6 +4,8 @@
 
 #include "sdk/V2VORCallbacks.h"
 
+#include <QTest>
+
 #include <memory>
 
 template<typename T = bool> class CallOutcome
@@ -32,6 +34,12 @@ public:
             state->code = code;
             state->desc = desc;
         };
+    }
+
+    /// Spins the event loop until the answer arrives (bounded); says whether it did.
+    bool wait(int timeoutMs = 5000) const
+    {
+        return QTest::qWaitFor([state = m_state] { return state->arrived; }, timeoutMs);
     }
 
     bool arrived() const { return m_state->arrived; }

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void loginOfUnknownUserRegistersIt();
     void writeLogGoesToTheClientsLog();
     void destroyedListenerIsNeverCalled();
+    void fixtureSwitchesTheSharedClient();
 };
 
 void TestSdkMessaging::sentMessageReachesTheOtherMembers()
@@ -352,6 +353,25 @@ void TestSdkMessaging::destroyedListenerIsNeverCalled()
     doomed.reset();
     QTRY_COMPARE(survivor.newMessages.size(), 1);
     QCOMPARE(callsOfDestroyed, 0);
+}
+
+void TestSdkMessaging::fixtureSwitchesTheSharedClient()
+{
+    MessagingServer server;
+    V2VORManager before(&server);
+    V2VORManager::setSharedInstance(&before);
+    {
+        GroupFixture group;
+        QVERIFY(group.isReady());
+        group.actAs(QStringLiteral("bob"));
+        QCOMPARE(V2VORManager::sharedInstance(), group.client("bob"));
+        QCOMPARE(V2VORManager::sharedInstance()->getLoginUser(), QStringLiteral("bob"));
+        group.actAs(QStringLiteral("carol"));
+        QCOMPARE(V2VORManager::sharedInstance(), group.client("carol"));
+        QVERIFY(!group.client("nobody"));
+    }
+    QCOMPARE(V2VORManager::sharedInstance(), &before);
+    V2VORManager::setSharedInstance(nullptr);
 }
 
 QTEST_GUILESS_MAIN(TestSdkMessaging)
