@@ -72,40 +72,44 @@ QString MessagingServer::Private::conversationFor(
     return id;
 }
 
+CallError MessagingServer::Private::checkSend(
+    const QString &sender, const V2VORMessagePtr &message, const QString &receiver, const QString &groupID) const
+{
+    if (!message)
+        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("no message to send"));
+    if (groupID.isEmpty() && receiver.isEmpty())
+        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("a message needs a receiver or a group"));
+    if (groupID.isEmpty() && !users.contains(receiver))
+        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(receiver));
+    if (!groupID.isEmpty()) {
+        if (const CallError refused = checkConversation(sender, groupID))
+            return refused;
+    }
+    return checkBody(*message);
+}
+
 ServiceReply<V2VORMessagePtr> MessagingServer::Private::send(V2VORManager *caller, const QString &sender,
     const V2VORMessagePtr &message, const QString &receiver, const QString &groupID, const SendRecord &record)
 {
-    if (!message)
-        return { error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("no message to send")) };
-    if (groupID.isEmpty() && receiver.isEmpty())
-        return { error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("a message needs a receiver or a group")) };
-    if (groupID.isEmpty() && !users.contains(receiver))
-        return { error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(receiver)) };
-    if (!groupID.isEmpty()) {
-        if (const CallError refused = checkConversation(sender, groupID))
-            return { refused };
-    }
-    if (const CallError refused = checkBody(*message))
+    if (const CallError refused = checkSend(sender, message, receiver, groupID))
         return { refused };
 
+    const QString msgID = message->msgID();
     const QString conversationID = conversationFor(sender, receiver, groupID);
     Conversation &conversation = conversations[conversationID];
-    StoredMessage stored;
-    stored.message = message->clone();
+    conversation.messageIDs.append(msgID);
+
+    StoredMessage stored { message->clone(), conversationID, {}, record };
     stored.message->setGroupID(groupID);
+    stored.message->setSeq(conversation.messageIDs.size());
     stored.message->setSender(sender);
     stored.message->setNickName(users.value(sender).nickName);
     stored.message->setFaceURL(users.value(sender).faceURL);
     stored.message->setTimestamp(platform::MainQueue::now());
     stored.message->setStatus(V2VOR_MSG_STATUS_SEND_SUCC);
     stored.message->setMessageVersion(0);
-    conversation.messageIDs.append(message->msgID());
-    stored.message->setSeq(conversation.messageIDs.size());
-    stored.conversation = conversationID;
-    stored.record = record;
-    messages.insert(message->msgID(), stored);
+    messages.insert(msgID, stored);
 
-    const QString msgID = message->msgID();
     publish(
         conversationID,
         [this, msgID](V2VORManager *client, const QString &userID) -> std::function<void()> {

@@ -79,6 +79,8 @@ public:
     QList<HeldEvent> heldEvents;
 
 private:
+    CallError checkSend(
+        const QString &sender, const V2VORMessagePtr &message, const QString &receiver, const QString &groupID) const;
     CallError checkConversation(const QString &userID, const QString &groupID) const;
     CallError checkExtensionAccess(const QString &userID, const QString &msgID) const;
     static CallError checkBody(const V2VORMessage &message);

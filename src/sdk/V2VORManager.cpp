@@ -137,7 +137,7 @@ QString V2VORManager::sendMessage(const V2VORMessagePtr &message, const QString 
     int priority, bool onlineUserOnly, const std::optional<V2VOROfflinePushInfo> &offlinePushInfo,
     V2VORProgress progress, V2VORSucc succ, V2VORFail fail)
 {
-    if (message && d->service() && (message->msgID().isEmpty() || d->server->messageByID(message->msgID())))
+    if (message && d->service() && (message->msgID().isEmpty() || d->service()->messages.contains(message->msgID())))
         message->setMsgID(d->service()->newMessageID());
     if (message)
         message->setStatus(V2VOR_MSG_STATUS_SENDING);

@@ -10,8 +10,13 @@
 //   the message's group (whole call refused);
 // - a message body of at most 12 KB.
 // The service versions every extension key; the client remembers the version it last saw
-// (from reads, its own writes and change events). A write of a key that changed since is
-// refused for that key with V2VOR_ERR_EXTENSION_VERSION_CONFLICT and the latest value.
+// (from reads, its own writes, conflict results and change events). A write of a key that
+// changed since (or that exists but was never seen by this client) is refused for that key
+// with V2VOR_ERR_EXTENSION_VERSION_CONFLICT and the latest value. Deletions never conflict.
+//
+// The events of a change are queued for every member's client before the answer to the call
+// that made it: once a callback has arrived, every member's client (the caller's included)
+// has heard of the change, unless the service holds events.
 #pragma once
 
 #include "sdk/V2VORCallbacks.h"
