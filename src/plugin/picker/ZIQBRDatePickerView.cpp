@@ -96,6 +96,8 @@ QWidget *ZIQBRDatePickerView::pickerContentView()
 void ZIQBRDatePickerView::reloadPicker()
 {
     reloadData();
+    if (!m_wheels.isEmpty())
+        m_wheels.first()->setFocus();
 }
 
 void ZIQBRDatePickerView::reloadViews()

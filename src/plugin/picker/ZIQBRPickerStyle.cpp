@@ -83,8 +83,8 @@ ZIQBRPickerStyle ZIQBRPickerStyle::pickerStyleWithDoneBtnImage(const QPixmap &do
 
 QColor ZIQBRPickerStyle::maskColor() const
 {
-    if (m_maskColor)
-        return *m_maskColor;
+    if (m_maskColor.isValid())
+        return m_maskColor;
     QColor light = Qt::black;
     light.setAlphaF(0.3);
     QColor dark = grey(0.4);
@@ -94,7 +94,7 @@ QColor ZIQBRPickerStyle::maskColor() const
 
 QColor ZIQBRPickerStyle::shadowLineColor() const
 {
-    return m_shadowLineColor.value_or(separatorGrey());
+    return orDefault(m_shadowLineColor, separatorGrey());
 }
 
 qreal ZIQBRPickerStyle::shadowLineHeight() const
@@ -110,7 +110,7 @@ qreal ZIQBRPickerStyle::paddingBottom() const
 
 QColor ZIQBRPickerStyle::titleBarColor() const
 {
-    return m_titleBarColor.value_or(groupedSecondaryBackground());
+    return orDefault(m_titleBarColor, groupedSecondaryBackground());
 }
 
 qreal ZIQBRPickerStyle::titleBarHeight() const
@@ -125,12 +125,12 @@ qreal ZIQBRPickerStyle::titleBarHeight() const
 
 QColor ZIQBRPickerStyle::titleLineColor() const
 {
-    return m_titleLineColor.value_or(br_colorWithLightColor(QColor(237, 237, 238), QColor(24, 24, 28)));
+    return orDefault(m_titleLineColor, br_colorWithLightColor(QColor(237, 237, 238), QColor(24, 24, 28)));
 }
 
 QColor ZIQBRPickerStyle::titleTextColor() const
 {
-    return m_titleTextColor.value_or(grey(0.6));
+    return orDefault(m_titleTextColor, grey(0.6));
 }
 
 QFont ZIQBRPickerStyle::titleTextFont() const
@@ -145,7 +145,7 @@ QRectF ZIQBRPickerStyle::titleLabelFrame(qreal screenWidth) const
 
 QColor ZIQBRPickerStyle::cancelTextColor() const
 {
-    return m_cancelTextColor.value_or(labelColor());
+    return orDefault(m_cancelTextColor, labelColor());
 }
 
 QFont ZIQBRPickerStyle::cancelTextFont() const
@@ -161,7 +161,7 @@ QString ZIQBRPickerStyle::cancelBtnTitle() const
 
 QColor ZIQBRPickerStyle::doneTextColor() const
 {
-    return m_doneTextColor.value_or(labelColor());
+    return orDefault(m_doneTextColor, labelColor());
 }
 
 QFont ZIQBRPickerStyle::doneTextFont() const
@@ -182,17 +182,17 @@ QRectF ZIQBRPickerStyle::doneBtnFrame(qreal screenWidth) const
 
 QColor ZIQBRPickerStyle::pickerColor() const
 {
-    return m_pickerColor.value_or(groupedSecondaryBackground());
+    return orDefault(m_pickerColor, groupedSecondaryBackground());
 }
 
 QColor ZIQBRPickerStyle::separatorColor() const
 {
-    return m_separatorColor.value_or(separatorGrey());
+    return orDefault(m_separatorColor, separatorGrey());
 }
 
 QColor ZIQBRPickerStyle::pickerTextColor() const
 {
-    return m_pickerTextColor.value_or(labelColor());
+    return orDefault(m_pickerTextColor, labelColor());
 }
 
 QFont ZIQBRPickerStyle::pickerTextFont() const
@@ -217,7 +217,7 @@ QString ZIQBRPickerStyle::language() const
 
 QColor ZIQBRPickerStyle::dateUnitTextColor() const
 {
-    return m_dateUnitTextColor.value_or(labelColor());
+    return orDefault(m_dateUnitTextColor, labelColor());
 }
 
 QFont ZIQBRPickerStyle::dateUnitTextFont() const

@@ -1,5 +1,6 @@
 // Colours, fonts, sizes and texts of the picker's bottom sheet and of its wheels. Every getter
-// returns the set value or, when none was set (or the value is out of range), the default.
+// returns the set value or, when none was set (or the value is out of range, or the colour is
+// invalid), the default.
 #pragma once
 
 #include <QColor>
@@ -61,7 +62,7 @@ public:
     void setHiddenTitleBarView(bool hidden) { m_hiddenTitleBarView = hidden; }
     bool hiddenTitleLabel() const { return m_hiddenTitleLabel; }
     void setHiddenTitleLabel(bool hidden) { m_hiddenTitleLabel = hidden; }
-    QColor titleLabelColor() const { return m_titleLabelColor.value_or(QColor(Qt::transparent)); }
+    QColor titleLabelColor() const { return orDefault(m_titleLabelColor, QColor(Qt::transparent)); }
     void setTitleLabelColor(const QColor &color) { m_titleLabelColor = color; }
     QColor titleTextColor() const;
     void setTitleTextColor(const QColor &color) { m_titleTextColor = color; }
@@ -72,7 +73,7 @@ public:
     void setTitleLabelFrame(const QRectF &frame) { m_titleLabelFrame = frame; }
 
     // Cancel button
-    QColor cancelColor() const { return m_cancelColor.value_or(QColor(Qt::transparent)); }
+    QColor cancelColor() const { return orDefault(m_cancelColor, QColor(Qt::transparent)); }
     void setCancelColor(const QColor &color) { m_cancelColor = color; }
     QColor cancelTextColor() const;
     void setCancelTextColor(const QColor &color) { m_cancelTextColor = color; }
@@ -94,7 +95,7 @@ public:
     void setHiddenCancelBtn(bool hidden) { m_hiddenCancelBtn = hidden; }
 
     // Confirm button
-    QColor doneColor() const { return m_doneColor.value_or(QColor(Qt::transparent)); }
+    QColor doneColor() const { return orDefault(m_doneColor, QColor(Qt::transparent)); }
     void setDoneColor(const QColor &color) { m_doneColor = color; }
     QColor doneTextColor() const;
     void setDoneTextColor(const QColor &color) { m_doneTextColor = color; }
@@ -155,28 +156,31 @@ public:
     void setDateUnitOffsetY(qreal offset) { m_dateUnitOffsetY = offset; }
 
 private:
-    std::optional<QColor> m_maskColor;
+    /// An invalid colour counts as unset.
+    static QColor orDefault(const QColor &color, const QColor &fallback) { return color.isValid() ? color : fallback; }
+
+    QColor m_maskColor;
     bool m_hiddenMaskView = false;
     QColor m_alertViewColor;
     qreal m_topCornerRadius = 0;
-    std::optional<QColor> m_shadowLineColor;
+    QColor m_shadowLineColor;
     qreal m_shadowLineHeight = 0;
     bool m_hiddenShadowLine = false;
     qreal m_paddingBottom = 0;
 
-    std::optional<QColor> m_titleBarColor;
+    QColor m_titleBarColor;
     qreal m_titleBarHeight = 0;
-    std::optional<QColor> m_titleLineColor;
+    QColor m_titleLineColor;
     bool m_hiddenTitleLine = false;
     bool m_hiddenTitleBarView = false;
     bool m_hiddenTitleLabel = false;
-    std::optional<QColor> m_titleLabelColor;
-    std::optional<QColor> m_titleTextColor;
+    QColor m_titleLabelColor;
+    QColor m_titleTextColor;
     std::optional<QFont> m_titleTextFont;
     std::optional<QRectF> m_titleLabelFrame;
 
-    std::optional<QColor> m_cancelColor;
-    std::optional<QColor> m_cancelTextColor;
+    QColor m_cancelColor;
+    QColor m_cancelTextColor;
     std::optional<QFont> m_cancelTextFont;
     std::optional<QString> m_cancelBtnTitle;
     std::optional<QRectF> m_cancelBtnFrame;
@@ -186,8 +190,8 @@ private:
     QPixmap m_cancelBtnImage;
     bool m_hiddenCancelBtn = false;
 
-    std::optional<QColor> m_doneColor;
-    std::optional<QColor> m_doneTextColor;
+    QColor m_doneColor;
+    QColor m_doneTextColor;
     std::optional<QFont> m_doneTextFont;
     std::optional<QString> m_doneBtnTitle;
     std::optional<QRectF> m_doneBtnFrame;
@@ -197,10 +201,10 @@ private:
     QPixmap m_doneBtnImage;
     bool m_hiddenDoneBtn = false;
 
-    std::optional<QColor> m_pickerColor;
-    std::optional<QColor> m_separatorColor;
+    QColor m_pickerColor;
+    QColor m_separatorColor;
     qreal m_separatorHeight = 0;
-    std::optional<QColor> m_pickerTextColor;
+    QColor m_pickerTextColor;
     std::optional<QFont> m_pickerTextFont;
     QColor m_selectRowColor;
     QColor m_selectRowTextColor;
@@ -210,7 +214,7 @@ private:
     bool m_clearPickerNewStyle = false;
     std::optional<QString> m_language;
 
-    std::optional<QColor> m_dateUnitTextColor;
+    QColor m_dateUnitTextColor;
     std::optional<QFont> m_dateUnitTextFont;
     qreal m_dateUnitOffsetX = 0;
     qreal m_dateUnitOffsetY = 0;

@@ -96,6 +96,10 @@ void TestZIQBRBaseView::styleDefaultsAndClamps_data()
     QTest::newRow("padding -3 reads as none") << style([](auto &s) { s.setPaddingBottom(-3); }).paddingBottom() << 0.0;
     QTest::newRow("Confirm sits 65 from the right") << ZIQBRPickerStyle().doneBtnFrame(375).x() << 310.0;
     QTest::newRow("title spans the middle") << ZIQBRPickerStyle().titleLabelFrame(375).width() << 241.0;
+    // The editor's theme writes its separator colour without "#": an unreadable colour keeps the default.
+    QTest::newRow("unreadable colour keeps the default")
+        << qreal(style([](auto &s) { s.setSeparatorColor(QColor(QStringLiteral("DDDDDD"))); }).separatorColor().red())
+        << 198.0;
     QTest::newRow("mask is 30% black") << qreal(qRound(ZIQBRPickerStyle().maskColor().alphaF() * 100)) << 30.0;
 }
 
