@@ -11,6 +11,7 @@
 #include <QJsonObject>
 #include <QSet>
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -34,6 +35,43 @@ void applyMemberNames(const QList<ZIQGroupNoteItemPtr> &entries, const QList<V2V
         if (name != names.cend())
             entry->setUserName(*name);
     }
+}
+
+// Marks the extensions that hold a superseded generation of an entry. Keys of one entry share
+// everything but their last two characters ("_" and a one-digit generation); within such a
+// group only the highest generation is current. Keys without an underscore are no entry's.
+std::vector<bool> supersededExtensions(const QList<V2VORMessageExtension> &list)
+{
+    struct Group
+    {
+        qint64 newest = 0;
+        int size = 0;
+    };
+    std::vector<Group> groups;
+    QHash<QStringView, qsizetype> groupOfBase;
+    groupOfBase.reserve(list.size());
+    std::vector<qsizetype> groupOf(list.size(), -1);
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        const QString &key = list[i].extensionKey;
+        if (key == ZIQGroupNoteExtensionKey::configKey || !key.contains(QLatin1Char('_')))
+            continue;
+        const QStringView base = QStringView(key).chopped(std::min<qsizetype>(2, key.size()));
+        const auto found = groupOfBase.constFind(base);
+        groupOf[i] = found != groupOfBase.cend() ? *found : groupOfBase.insert(base, groups.size()).value();
+        if (groupOf[i] == qsizetype(groups.size()))
+            groups.emplace_back();
+        Group &group = groups[groupOf[i]];
+        group.newest = std::max(group.newest, ZIQGroupNoteExtensionKey::generationOf(key));
+        ++group.size;
+    }
+    std::vector<bool> superseded(list.size(), false);
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (groupOf[i] < 0)
+            continue;
+        const Group &group = groups[groupOf[i]];
+        superseded[i] = group.size > 1 && ZIQGroupNoteExtensionKey::generationOf(list[i].extensionKey) != group.newest;
+    }
+    return superseded;
 }
 
 } // namespace
@@ -72,77 +110,62 @@ void ZIQGroupNoteInfo::updateWithExtensionList(const QList<V2VORMessageExtension
 QStringList ZIQGroupNoteInfo::mergeExtensionList(const QList<V2VORMessageExtension> &list)
 {
     m_extensionList = list;
-    const QStringList redundant = redundantKeysInExtensionList();
-    const QSet<QString> redundantKeys(redundant.cbegin(), redundant.cend());
+    const std::vector<bool> superseded = supersededExtensions(list);
 
-    QList<ZIQGroupNoteItemPtr> entries;
+    // Sorted with their times beside them: comparing through the pointers would visit every
+    // entry on the heap at each step.
+    std::vector<std::pair<double, ZIQGroupNoteItemPtr>> entries;
     entries.reserve(list.size());
     QStringList authors;
     QSet<QString> knownAuthors;
-    for (const V2VORMessageExtension &extension : list) {
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        const V2VORMessageExtension &extension = list[i];
         if (extension.extensionKey == ZIQGroupNoteExtensionKey::configKey) {
             m_setting = ZIQGroupNoteSetting::settingWithConfigValue(extension.extensionValue);
             continue;
         }
-        if (extension.extensionValue == ZIQGroupNoteExtensionKey::deletedMarker
-            || redundantKeys.contains(extension.extensionKey))
-            continue;
         ZIQGroupNoteExtensionKey::EntryKeyParts parts;
-        if (!ZIQGroupNoteExtensionKey::parseEntryKey(extension.extensionKey, &parts))
+        if (superseded[i] || extension.extensionValue == ZIQGroupNoteExtensionKey::deletedMarker
+            || !ZIQGroupNoteExtensionKey::parseEntryKey(extension.extensionKey, &parts))
             continue;
-        entries.append(std::make_shared<ZIQGroupNoteItem>(
-            parts.userID, parts.timestampInMS, parts.keySeq, extension.extensionValue));
+        entries.emplace_back(parts.timestampInMS,
+            std::make_shared<ZIQGroupNoteItem>(
+                parts.userID, parts.timestampInMS, parts.keySeq, extension.extensionValue));
         if (!knownAuthors.contains(parts.userID)) {
             knownAuthors.insert(parts.userID);
             authors.append(parts.userID);
         }
     }
     m_paticipantCount = static_cast<quint64>(authors.size());
+    std::stable_sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    numberEntries(entries);
+    return authors;
+}
 
-    std::stable_sort(entries.begin(), entries.end(), [](const ZIQGroupNoteItemPtr &a, const ZIQGroupNoteItemPtr &b) {
-        return a->timestampInMS() < b->timestampInMS();
-    });
+void ZIQGroupNoteInfo::numberEntries(const std::vector<std::pair<double, ZIQGroupNoteItemPtr>> &sorted)
+{
     const QString currentUserID = ZIQLogin::getUserID();
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        entries[i]->setIndex(i + 1);
-        m_lastIndex = i + 1;
-        if (isCurrentUser(entries[i]->userID(), currentUserID))
+    QList<ZIQGroupNoteItemPtr> items;
+    items.reserve(qsizetype(sorted.size()));
+    for (const auto &[timestamp, item] : sorted) {
+        items.append(item);
+        item->setIndex(items.size());
+        if (isCurrentUser(item->userID(), currentUserID))
             m_isMyselfSubmitted = true;
     }
-    m_items = entries;
-    m_previewItems = entries;
-    return authors;
+    if (!items.isEmpty())
+        m_lastIndex = items.size();
+    m_items = items;
+    m_previewItems = items;
 }
 
 QStringList ZIQGroupNoteInfo::redundantKeysInExtensionList() const
 {
-    // Keys of one entry share everything but their last two characters ("_" and a one-digit
-    // generation); within such a group only the highest generation is current.
-    QStringList bases;
-    QHash<QString, QStringList> keysByBase;
-    for (const V2VORMessageExtension &extension : m_extensionList) {
-        const QString &key = extension.extensionKey;
-        if (key == ZIQGroupNoteExtensionKey::configKey || !key.contains(QLatin1Char('_')))
-            continue;
-        const QString base = ZIQGroupNoteExtensionKey::generationBase(key);
-        QStringList &group = keysByBase[base];
-        if (group.isEmpty())
-            bases.append(base);
-        group.append(key);
-    }
-
+    const std::vector<bool> superseded = supersededExtensions(m_extensionList);
     QStringList redundant;
-    for (const QString &base : std::as_const(bases)) {
-        const QStringList &group = keysByBase[base];
-        if (group.size() < 2)
-            continue;
-        qint64 newest = 0;
-        for (const QString &key : group)
-            newest = std::max(newest, ZIQGroupNoteExtensionKey::generationOf(key));
-        for (const QString &key : group) {
-            if (ZIQGroupNoteExtensionKey::generationOf(key) != newest)
-                redundant.append(key);
-        }
+    for (qsizetype i = 0; i < m_extensionList.size(); ++i) {
+        if (superseded[i])
+            redundant.append(m_extensionList[i].extensionKey);
     }
     return redundant;
 }

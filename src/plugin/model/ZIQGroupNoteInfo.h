@@ -14,6 +14,8 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 class ZIQGroupNoteInfo;
 using ZIQGroupNoteInfoPtr = std::shared_ptr<ZIQGroupNoteInfo>;
@@ -40,7 +42,7 @@ public:
     /// The synchronous part of updateWithExtensionList(): everything but the name look-up.
     /// Returns the distinct authors of the live entries, in the order first met.
     QStringList mergeExtensionList(const QList<V2VORMessageExtension> &list);
-    /// Keys of extensionList() that hold superseded generations of an entry.
+    /// Keys of extensionList() that hold superseded generations of an entry, in list order.
     QStringList redundantKeysInExtensionList() const;
 
     /// Name card, else friend remark, else nick name, else user ID.
@@ -117,6 +119,7 @@ public:
     bool isExceedDeadline() const;
 
 private:
+    void numberEntries(const std::vector<std::pair<double, ZIQGroupNoteItemPtr>> &sorted);
     void resolveMemberNames(const QStringList &authors, Completion completion) const;
 
     V2VORMessagePtr m_message;

@@ -1,7 +1,6 @@
 #include "plugin/model/ZIQGroupNoteJsonValue.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
 namespace {
@@ -52,8 +51,22 @@ bool ZIQGroupNoteJsonValue::toBool(const QJsonValue &value)
 
 qint64 ZIQGroupNoteJsonValue::leadingInteger(QStringView text)
 {
-    const QByteArray latin1 = text.toLatin1();
-    return std::strtoll(latin1.constData(), nullptr, 10);
+    // Keys are short and read by the thousand; a copy for strtoll would cost more than the read.
+    text = text.trimmed();
+    const bool negative = text.startsWith(u'-');
+    if (negative || text.startsWith(u'+'))
+        text = text.mid(1);
+    quint64 magnitude = 0;
+    const quint64 limit = negative ? quint64(1) << 63 : (quint64(1) << 63) - 1;
+    for (const QChar c : text) {
+        if (c < u'0' || c > u'9')
+            break;
+        const unsigned digit = c.unicode() - u'0';
+        if (magnitude > (limit - digit) / 10)
+            return negative ? std::numeric_limits<qint64>::min() : std::numeric_limits<qint64>::max();
+        magnitude = magnitude * 10 + digit;
+    }
+    return negative ? static_cast<qint64>(0 - magnitude) : static_cast<qint64>(magnitude);
 }
 
 QJsonValue ZIQGroupNoteJsonValue::fromUInt64(quint64 value)
