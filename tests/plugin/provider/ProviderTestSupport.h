@@ -12,8 +12,8 @@
 
 #include <QTest>
 
-/// Sends what the provider hands over to the open group chat as the current user, then
-/// answers with the chat module's send-result event, as the chat screen does.
+/// Sends what it is handed to the open group chat as the current user, then answers with the
+/// chat module's send-result event, as the chat screen does.
 class ChatServiceDouble : public ZIQServiceProtocol
 {
 public:
@@ -24,14 +24,13 @@ public:
     }
     ~ChatServiceDouble() override { ZIQCore::unregisterService(ZIQCore_ZIQChatService); }
 
-    QVariant onCall(const QString &method, const QVariantMap &param) override
+    QVariant onCall(const QString &, const QVariantMap &param) override
     {
-        if (method != ZIQCore_ZIQChatService_SendMessageMethod)
+        handedOver.append(param.value(ZIQCore_ZIQChatService_SendMessageMethod_MsgKey).value<V2VORMessagePtr>());
+        if (m_groupID.isEmpty())
             return {};
-        const auto message = param.value(ZIQCore_ZIQChatService_SendMessageMethod_MsgKey).value<V2VORMessagePtr>();
-        handedOver.append(message);
         V2VORManager::sharedInstance()->sendMessage(
-            message, {}, m_groupID, V2VOR_PRIORITY_DEFAULT, false, std::nullopt, {}, [] { answer(0, {}); },
+            handedOver.last(), {}, m_groupID, V2VOR_PRIORITY_DEFAULT, false, std::nullopt, {}, [] { answer(0, {}); },
             [](int code, const QString &desc) { answer(code, desc); });
         return {};
     }
@@ -46,7 +45,7 @@ public:
     QList<V2VORMessagePtr> handedOver;
 
 private:
-    QString m_groupID;
+    QString m_groupID; // empty: only takes the messages, tests answer themselves
 };
 
 /// What a completion was called with, and how often.
@@ -82,9 +81,7 @@ inline V2VORMessagePtr localCopy(V2VORManager *client, const QString &msgID)
     client->findMessages(
         { msgID }, [found](const QList<V2VORMessagePtr> &list) { *found = list.value(0); },
         [found](int, const QString &) { *found = nullptr; });
-    if (!QTest::qWaitFor([found] { return found->has_value(); }))
-        return nullptr;
-    return found->value_or(nullptr);
+    return QTest::qWaitFor([found] { return found->has_value(); }) ? found->value() : nullptr;
 }
 
 /// Fetches the newest entries and settings; the code the fetch answered.
@@ -92,9 +89,7 @@ inline int fetch(ZIQGroupNoteDataProvider &provider)
 {
     auto code = std::make_shared<std::optional<int>>();
     provider.getNoteStatistics([code](int result, const QString &, const ZIQGroupNoteInfoPtr &) { *code = result; });
-    if (!QTest::qWaitFor([code] { return code->has_value(); }))
-        return -12345;
-    return code->value_or(-12345);
+    return QTest::qWaitFor([code] { return code->has_value(); }) ? code->value() : -12345;
 }
 
 /// Submits and waits for the answer, driving the clock over the wait before the first write.
@@ -103,21 +98,24 @@ inline Outcome submit(
 {
     Outcome outcome;
     provider.submitInGroup(groupID, isCreateNew, outcome.callback());
-    const bool answered = QTest::qWaitFor([&] {
-        clock.advance(500);
-        return outcome.calls() > 0;
-    });
+    const bool answered = QTest::qWaitFor([&] { return clock.advance(500), outcome.calls() > 0; });
     Q_UNUSED(answered) // an unanswered submission shows as an outcome without calls
     return outcome;
 }
 
-/// Adds a line of the current user with `content`.
 inline ZIQGroupNoteItemPtr addLine(ZIQGroupNoteDataProvider &provider, const QString &content)
 {
     provider.addNewItem();
-    const ZIQGroupNoteItemPtr item = provider.info()->items().constLast();
-    item->setContent(content);
-    return item;
+    provider.info()->items().constLast()->setContent(content);
+    return provider.info()->items().constLast();
+}
+
+inline QStringList lines(int count, const QString &prefix = QStringLiteral("line "))
+{
+    QStringList result;
+    for (int i = 1; i <= count; ++i)
+        result.append(prefix + QString::number(i));
+    return result;
 }
 
 /// `creator` posts a note with one line per entry; the note message's ID, empty on failure.
@@ -131,17 +129,22 @@ inline QString postNote(GroupFixture &group, platform::ManualClock &clock, const
     provider.setDeadline(deadline);
     for (const QString &entry : entries)
         addLine(provider, entry);
-    const Outcome outcome = submit(provider, clock, group.groupID(), true);
-    return outcome.code() == 0 ? provider.message()->msgID() : QString();
+    return submit(provider, clock, group.groupID(), true).code() == 0 ? provider.message()->msgID() : QString();
 }
 
-/// `count` lines "<prefix>1", "<prefix>2", ...
-inline QStringList lines(int count, const QString &prefix = QStringLiteral("line "))
+/// `member` adds a line through the note; the tips message the chat service was handed.
+inline V2VORMessagePtr joinNote(GroupFixture &group, platform::ManualClock &clock, ChatServiceDouble &chat,
+    const QString &member, const QString &msgID, const QString &line)
 {
-    QStringList result;
-    for (int i = 1; i <= count; ++i)
-        result.append(prefix + QString::number(i));
-    return result;
+    group.actAs(member);
+    ZIQGroupNoteDataProvider provider(localCopy(group.client(member), msgID));
+    if (fetch(provider) != 0)
+        return nullptr;
+    addLine(provider, line);
+    if (submit(provider, clock, group.groupID(), false).code() != 0)
+        return nullptr;
+    const V2VORMessagePtr tips = chat.handedOver.value(chat.handedOver.size() - 1);
+    return QTest::qWaitFor([tips] { return tips && tips->status() == V2VOR_MSG_STATUS_SEND_SUCC; }) ? tips : nullptr;
 }
 
 /// The contents of the service's live entries of a message (settings left out), in write order.
