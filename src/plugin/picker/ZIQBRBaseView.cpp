@@ -1,5 +1,6 @@
 #include "plugin/picker/ZIQBRBaseView.h"
 
+#include "kit/common/ZIQGlobalization.h"
 #include "platform/MainQueue.h"
 
 #include <QApplication>
@@ -192,6 +193,11 @@ void ZIQBRBaseView::initUI()
         areaLayout->addWidget(content);
     m_shadowLine = new QWidget(m_alertView);
 
+    // The buttons may show only an image.
+    m_cancelBtn->setAccessibleName(
+        ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteNotDatePickerCancel")));
+    m_doneBtn->setAccessibleName(
+        ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteNotDatePickerConfirm")));
     connect(m_cancelBtn, &QPushButton::clicked, this, &ZIQBRBaseView::onCancel);
     connect(m_doneBtn, &QPushButton::clicked, this, &ZIQBRBaseView::onDone);
     m_animation = new QParallelAnimationGroup(this);

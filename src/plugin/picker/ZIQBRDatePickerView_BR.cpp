@@ -5,7 +5,8 @@
 #include "platform/MainQueue.h"
 #include "plugin/picker/ZIQBRDateHelpers.h"
 
-#include <QLocale>
+
+#include <algorithm>
 
 using Mode = ZIQBRDatePickerMode;
 

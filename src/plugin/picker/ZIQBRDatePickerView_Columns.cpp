@@ -6,6 +6,8 @@
 #include "plugin/picker/ZIQBRDateHelpers.h"
 #include "plugin/picker/ZIQBRIcu.h"
 
+#include <algorithm>
+
 #include <unicode/dtfmtsym.h>
 
 using Mode = ZIQBRDatePickerMode;
