@@ -5,7 +5,6 @@
 #include "platform/MainQueue.h"
 #include "plugin/picker/ZIQBRDateHelpers.h"
 
-
 #include <algorithm>
 
 using Mode = ZIQBRDatePickerMode;
