@@ -154,10 +154,12 @@ void ZIQGroupNoteDataProvider::mergeFetchedList(
     info->updateWithExtensionList(list, [self, message, info, completion](int code, const QString &desc) {
         if (code == 0 && self) {
             self->refreshSnapshot();
-            // Superseded generations do not pile up: whoever reads them removes them.
+            // Superseded generations do not pile up: whoever reads them removes them, in calls
+            // the service accepts.
             const QStringList redundant = info->redundantKeysInExtensionList();
-            if (!redundant.isEmpty())
-                self->m_extensions.deleteMessageExtension(message, redundant, {});
+            for (qsizetype i = 0; i < redundant.size(); i += V2VORLimits::kMaxExtensionsPerCall)
+                self->m_extensions.deleteMessageExtension(
+                    message, redundant.mid(i, V2VORLimits::kMaxExtensionsPerCall), {});
         }
         if (completion)
             completion(code, desc, info);

@@ -91,10 +91,19 @@ private Q_SLOTS:
         edit(QString()); // emptied: the marker under the next generation
         QCOMPARE(group.server()->extensionsOf(msgID).constLast(),
             (V2VORMessageExtension { base + "_2", ZIQGroupNoteExtensionKey::deletedMarker }));
+        const auto generations = [&] {
+            const QList<V2VORMessageExtension> stored = group.server()->extensionsOf(msgID);
+            return std::count_if(
+                stored.cbegin(), stored.cend(), [&](auto &e) { return e.extensionKey.startsWith(base); });
+        };
+        QCOMPARE(generations(), 3);
+        // A member reading through the note sees Dave's line gone and removes its superseded generations.
+        group.actAs(QStringLiteral("bob"));
         ZIQGroupNoteDataProvider bob(localCopy(group.client(QStringLiteral("bob")), msgID));
         QCOMPARE(fetch(bob), 0);
         QCOMPARE(bob.info()->items().size(), 3);
         QCOMPARE(bob.info()->paticipantCount(), 3u);
+        QTRY_COMPARE(generations(), 1);
     }
 
     void localRules_data()
