@@ -29,14 +29,23 @@ QString ZIQGroupNoteExtensionKey::entryKeyWithoutSeq(const QString &userID, doub
 
 bool ZIQGroupNoteExtensionKey::parseEntryKey(const QString &key, EntryKeyParts *parts)
 {
+    EntryKeyView view;
+    if (!parseEntryKey(QStringView(key), &view))
+        return false;
+    *parts = { view.userID.toString(), view.timestampInMS, view.keySeq };
+    return true;
+}
+
+bool ZIQGroupNoteExtensionKey::parseEntryKey(QStringView key, EntryKeyView *parts)
+{
     const qsizetype seqSeparator = key.lastIndexOf(QLatin1Char('_'));
     if (seqSeparator < 0)
         return false;
-    const QStringView rest = QStringView(key).left(seqSeparator);
+    const QStringView rest = key.left(seqSeparator);
     const qsizetype timeSeparator = rest.lastIndexOf(QLatin1Char('_'));
-    parts->keySeq = ZIQGroupNoteJsonValue::leadingInteger(QStringView(key).mid(seqSeparator + 1));
+    parts->keySeq = ZIQGroupNoteJsonValue::leadingInteger(key.mid(seqSeparator + 1));
     parts->timestampInMS = static_cast<double>(ZIQGroupNoteJsonValue::leadingInteger(rest.mid(timeSeparator + 1)));
-    parts->userID = timeSeparator < 0 ? QString() : rest.left(timeSeparator).toString();
+    parts->userID = timeSeparator < 0 ? QStringView() : rest.left(timeSeparator);
     return true;
 }
 

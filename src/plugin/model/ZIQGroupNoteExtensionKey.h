@@ -30,6 +30,14 @@ public:
     /// false, leaving `parts` alone, for a key without any underscore: the system never writes
     /// one, and such a key is not taken for an entry.
     static bool parseEntryKey(const QString &key, EntryKeyParts *parts);
+    /// As above, with the user ID left as a view into `key`, for readers of many keys.
+    struct EntryKeyView
+    {
+        QStringView userID;
+        double timestampInMS = 0;
+        qint64 keySeq = 0;
+    };
+    static bool parseEntryKey(QStringView key, EntryKeyView *parts);
 
     /// The key without its last two characters (empty for shorter keys), whatever they are.
     static QString generationBase(const QString &key);

@@ -9,7 +9,6 @@
 #include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSet>
 #include <algorithm>
 #include <vector>
 
@@ -42,12 +41,7 @@ void applyMemberNames(const QList<ZIQGroupNoteItemPtr> &entries, const QList<V2V
 // group only the highest generation is current. Keys without an underscore are no entry's.
 std::vector<bool> supersededExtensions(const QList<V2VORMessageExtension> &list)
 {
-    struct Group
-    {
-        qint64 newest = 0;
-        int size = 0;
-    };
-    std::vector<Group> groups;
+    std::vector<qint64> newestOfGroup;
     QHash<QStringView, qsizetype> groupOfBase;
     groupOfBase.reserve(list.size());
     std::vector<qsizetype> groupOf(list.size(), -1);
@@ -56,20 +50,19 @@ std::vector<bool> supersededExtensions(const QList<V2VORMessageExtension> &list)
         if (key == ZIQGroupNoteExtensionKey::configKey || !key.contains(QLatin1Char('_')))
             continue;
         const QStringView base = QStringView(key).chopped(std::min<qsizetype>(2, key.size()));
-        const auto found = groupOfBase.constFind(base);
-        groupOf[i] = found != groupOfBase.cend() ? *found : groupOfBase.insert(base, groups.size()).value();
-        if (groupOf[i] == qsizetype(groups.size()))
-            groups.emplace_back();
-        Group &group = groups[groupOf[i]];
-        group.newest = std::max(group.newest, ZIQGroupNoteExtensionKey::generationOf(key));
-        ++group.size;
+        auto group = groupOfBase.constFind(base);
+        if (group == groupOfBase.cend()) {
+            group = groupOfBase.insert(base, qsizetype(newestOfGroup.size()));
+            newestOfGroup.push_back(0);
+        }
+        groupOf[i] = *group;
+        newestOfGroup[*group] = std::max(newestOfGroup[*group], ZIQGroupNoteExtensionKey::generationOf(key));
     }
+    // A key alone in its group is its own newest generation.
     std::vector<bool> superseded(list.size(), false);
     for (qsizetype i = 0; i < list.size(); ++i) {
-        if (groupOf[i] < 0)
-            continue;
-        const Group &group = groups[groupOf[i]];
-        superseded[i] = group.size > 1 && ZIQGroupNoteExtensionKey::generationOf(list[i].extensionKey) != group.newest;
+        superseded[i] = groupOf[i] >= 0
+            && ZIQGroupNoteExtensionKey::generationOf(list[i].extensionKey) != newestOfGroup[groupOf[i]];
     }
     return superseded;
 }
@@ -117,24 +110,25 @@ QStringList ZIQGroupNoteInfo::mergeExtensionList(const QList<V2VORMessageExtensi
     std::vector<std::pair<double, ZIQGroupNoteItemPtr>> entries;
     entries.reserve(list.size());
     QStringList authors;
-    QSet<QString> knownAuthors;
+    // One shared user ID string per author, found by the view into each key.
+    QHash<QStringView, QString> authorIDs;
     for (qsizetype i = 0; i < list.size(); ++i) {
         const V2VORMessageExtension &extension = list[i];
         if (extension.extensionKey == ZIQGroupNoteExtensionKey::configKey) {
             m_setting = ZIQGroupNoteSetting::settingWithConfigValue(extension.extensionValue);
             continue;
         }
-        ZIQGroupNoteExtensionKey::EntryKeyParts parts;
+        ZIQGroupNoteExtensionKey::EntryKeyView parts;
         if (superseded[i] || extension.extensionValue == ZIQGroupNoteExtensionKey::deletedMarker
-            || !ZIQGroupNoteExtensionKey::parseEntryKey(extension.extensionKey, &parts))
+            || !ZIQGroupNoteExtensionKey::parseEntryKey(QStringView(extension.extensionKey), &parts))
             continue;
-        entries.emplace_back(parts.timestampInMS,
-            std::make_shared<ZIQGroupNoteItem>(
-                parts.userID, parts.timestampInMS, parts.keySeq, extension.extensionValue));
-        if (!knownAuthors.contains(parts.userID)) {
-            knownAuthors.insert(parts.userID);
-            authors.append(parts.userID);
+        auto author = authorIDs.constFind(parts.userID);
+        if (author == authorIDs.cend()) {
+            author = authorIDs.insert(parts.userID, parts.userID.toString());
+            authors.append(*author);
         }
+        entries.emplace_back(parts.timestampInMS,
+            std::make_shared<ZIQGroupNoteItem>(*author, parts.timestampInMS, parts.keySeq, extension.extensionValue));
     }
     m_paticipantCount = static_cast<quint64>(authors.size());
     std::stable_sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
