@@ -30,7 +30,7 @@ public:
 
     /// The note whose head the message's custom data carries (a note or a tips message alike);
     /// null when the message or its custom element is absent. A body that is not a JSON object
-    /// gives a note with an empty head.
+    /// gives a note with an empty head; a text member holding another JSON type reads as "".
     static ZIQGroupNoteInfoPtr initWithMessage(const V2VORMessagePtr &message);
 
     /// Rebuilds settings, entries, numbering and participant count from the message's full
