@@ -131,7 +131,7 @@ QStringList ZIQGroupNoteInfo::mergeExtensionList(const QList<V2VORMessageExtensi
             std::make_shared<ZIQGroupNoteItem>(*author, parts.timestampInMS, parts.keySeq, extension.extensionValue));
     }
     m_paticipantCount = static_cast<quint64>(authors.size());
-    std::stable_sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
     numberEntries(entries);
     return authors;
 }
