@@ -81,6 +81,7 @@ void ZIQGlobalizationTest::languageFromLocaleName_data()
     QTest::newRow("mainland") << QStringLiteral("zh_CN") << QStringLiteral("zh-Hans");
     QTest::newRow("Traditional") << QStringLiteral("zh-Hant") << QStringLiteral("zh-Hant");
     QTest::newRow("Taiwan") << QStringLiteral("zh_TW") << QStringLiteral("zh-Hant");
+    QTest::newRow("Simplified in Hong Kong") << QStringLiteral("zh-Hans-HK") << QStringLiteral("zh-Hans");
     QTest::newRow("Hong Kong") << QStringLiteral("zh-HK") << QStringLiteral("zh-Hant");
     QTest::newRow("Macao, upper case") << QStringLiteral("ZH-MO") << QStringLiteral("zh-Hant");
 }

@@ -7,6 +7,8 @@
 #include <QLocale>
 #include <QLoggingCategory>
 
+#include <algorithm>
+
 // The tables are compiled into this static library and must be registered before the first
 // read; the registration function lives outside any namespace.
 static bool registerTables()
@@ -25,18 +27,19 @@ const QString TraditionalChinese = QStringLiteral("zh-Hant");
 
 using Table = QHash<QString, QString>;
 
-// Traditional script for its script tag or for the regions that write it.
+// The script tag decides; without one, the regions that write Traditional Chinese do.
 QString languageOfLocaleName(const QString &name)
 {
     const QStringList parts = name.toLower().replace(QLatin1Char('_'), QLatin1Char('-')).split(QLatin1Char('-'));
     if (parts.value(0) != QLatin1String("zh"))
         return English;
-    for (const QString &part : parts.mid(1)) {
-        if (part == QLatin1String("hant") || part == QLatin1String("tw") || part == QLatin1String("hk")
-            || part == QLatin1String("mo"))
-            return TraditionalChinese;
-    }
-    return SimplifiedChinese;
+    if (parts.contains(QLatin1String("hans")))
+        return SimplifiedChinese;
+    static const QStringList traditional { QStringLiteral("hant"), QStringLiteral("tw"), QStringLiteral("hk"),
+        QStringLiteral("mo") };
+    const bool isTraditional
+        = std::any_of(parts.begin(), parts.end(), [](const QString &part) { return traditional.contains(part); });
+    return isTraditional ? TraditionalChinese : SimplifiedChinese;
 }
 
 QString &chosenLanguage()
