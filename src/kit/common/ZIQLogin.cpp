@@ -1,5 +1,6 @@
 #include "kit/common/ZIQLogin.h"
 
+#include "platform/MainQueue.h"
 #include "platform/NotificationCenter.h"
 #include "sdk/V2VORManager.h"
 
@@ -42,8 +43,11 @@ void ZIQLogin::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
 {
     V2VORManager *client = V2VORManager::sharedInstance();
     if (!client) {
-        if (fail)
-            fail(-1, QStringLiteral("no messaging client"));
+        // Answered later, as every login answer is.
+        platform::MainQueue::async([fail] {
+            if (fail)
+                fail(-1, QStringLiteral("no messaging client"));
+        });
         return;
     }
     // The client may be gone (a test tearing down) by the time the login is answered.
