@@ -13,6 +13,17 @@
 
 #include <algorithm>
 
+namespace {
+
+// An integer outside the table of modes, cast to a mode, shows the default date picker.
+ZIQBRDatePickerMode knownMode(ZIQBRDatePickerMode mode)
+{
+    const int value = static_cast<int>(mode);
+    return value >= 0 && value <= static_cast<int>(ZIQBRDatePickerMode::MS) ? mode : ZIQBRDatePickerMode::Date;
+}
+
+} // namespace
+
 ZIQBRDatePickerView::ZIQBRDatePickerView(QWidget *parent)
     : ZIQBRDatePickerView(ZIQBRDatePickerMode::Date, parent)
 {
@@ -20,7 +31,7 @@ ZIQBRDatePickerView::ZIQBRDatePickerView(QWidget *parent)
 
 ZIQBRDatePickerView::ZIQBRDatePickerView(ZIQBRDatePickerMode pickerMode, QWidget *parent)
     : ZIQBRBaseView(parent)
-    , m_pickerMode(pickerMode)
+    , m_pickerMode(knownMode(pickerMode))
 {
     setObjectName(QStringLiteral("datePickerView"));
     setupDateFormatter(m_pickerMode);
@@ -68,8 +79,8 @@ ZIQBRDatePickerView *ZIQBRDatePickerView::ZIQ_showDatePickerWithMode(ZIQBRDatePi
 
 void ZIQBRDatePickerView::setPickerMode(ZIQBRDatePickerMode mode)
 {
-    m_pickerMode = mode;
-    setupDateFormatter(mode);
+    m_pickerMode = knownMode(mode);
+    setupDateFormatter(m_pickerMode);
     if (m_content)
         reloadData();
 }
