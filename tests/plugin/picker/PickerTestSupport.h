@@ -1,12 +1,18 @@
-// Shared by the picker tests: instants from local wall-clock times (tests run in Asia/Shanghai),
-// and the deadline picker exactly as the note editor configures it.
+// Shared by the picker tests: localized texts, instants from local wall-clock times (tests run in
+// Asia/Shanghai), and the deadline picker exactly as the note editor configures it.
 #pragma once
 
+#include "kit/common/ZIQGlobalization.h"
 #include "platform/MainQueue.h"
 #include "plugin/picker/ZIQBRDateHelpers.h"
 #include "plugin/picker/ZIQBRDatePickerView.h"
 
 #include <QDateTime>
+
+inline QString localized(const char *key)
+{
+    return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
+}
 
 inline QDateTime localTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
 {
