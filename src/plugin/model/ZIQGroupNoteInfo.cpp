@@ -17,6 +17,8 @@ namespace {
 // The collapsed card never shows more than two entry rows.
 constexpr qint64 maxShowLineNum = 2;
 
+// With nobody logged in the current user ID is absent, and an absent ID matches no one: not a
+// creator or author written as "" either.
 bool isCurrentUser(const QString &userID, const QString &currentUserID)
 {
     return !currentUserID.isEmpty() && userID == currentUserID;

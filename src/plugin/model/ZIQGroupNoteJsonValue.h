@@ -16,6 +16,7 @@ public:
     /// The leading integer of `text` as C's strtoll reads it (spaces and a sign allowed,
     /// clamped on overflow); 0 when it does not start with one.
     static qint64 leadingInteger(QStringView text);
-    /// A JSON value that keeps every digit of a 64-bit integer.
+    /// A JSON number for a sequence: exact up to 2^63 - 1, the nearest double beyond (JSON values
+    /// hold no larger integer).
     static QJsonValue fromUInt64(quint64 value);
 };
