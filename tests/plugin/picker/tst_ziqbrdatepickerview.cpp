@@ -324,6 +324,7 @@ private Q_SLOTS:
         picker->setCancelBlock([&cancelCalls] { ++cancelCalls; });
         screen.clock.advance(ZIQBRBaseView::ShowDurationMs);
         press(picker, "day", Qt::Key_Down);
+        QCOMPARE(rowsAt(picker, At::First), "2026 3 15 0 0"); // off the earliest day, hours and minutes open up
 
         if (action == "confirm")
             QTest::mouseClick(picker->doneBtn(), Qt::LeftButton);
