@@ -13,33 +13,21 @@ template<typename T = bool> class CallOutcome
 public:
     V2VORValueSucc<T> succ() const
     {
-        return [state = m_state](const T &value) {
-            state->arrived = true;
-            state->code = 0;
-            state->value = value;
-        };
+        return [s = m_state](const T &value) { *s = { true, 0, {}, value }; };
     }
     /// For calls whose success carries nothing.
     V2VORSucc done() const
     {
-        return [state = m_state] {
-            state->arrived = true;
-            state->code = 0;
-        };
+        return [s = m_state] { *s = { true, 0, {}, {} }; };
     }
     V2VORFail fail() const
     {
-        return [state = m_state](int code, const QString &desc) {
-            state->arrived = true;
-            state->code = code;
-            state->desc = desc;
-        };
+        return [s = m_state](int code, const QString &desc) { *s = { true, code, desc, {} }; };
     }
-
     /// Spins the event loop until the answer arrives (bounded); says whether it did.
-    bool wait(int timeoutMs = 5000) const
+    bool wait() const
     {
-        return QTest::qWaitFor([state = m_state] { return state->arrived; }, timeoutMs);
+        return QTest::qWaitFor([s = m_state] { return s->arrived; }, 5000);
     }
 
     bool arrived() const { return m_state->arrived; }

@@ -4,12 +4,6 @@
 
 #include <QTest>
 
-namespace {
-
-constexpr int kLoginTimeoutMs = 5000;
-
-} // namespace
-
 GroupFixture::GroupFixture(const QStringList &userIDs, const QString &groupID)
     : m_server(std::make_unique<MessagingServer>())
     , m_groupID(groupID)
@@ -26,27 +20,6 @@ GroupFixture::~GroupFixture()
 {
     V2VORManager::setSharedInstance(m_previousShared);
     qDeleteAll(m_clients);
-    m_clients.clear();
-}
-
-MessagingServer *GroupFixture::server() const
-{
-    return m_server.get();
-}
-
-QString GroupFixture::groupID() const
-{
-    return m_groupID;
-}
-
-QStringList GroupFixture::userIDs() const
-{
-    return m_userIDs;
-}
-
-V2VORManager *GroupFixture::client(const QString &userID) const
-{
-    return m_clients.value(userID);
 }
 
 void GroupFixture::actAs(const QString &userID)
@@ -70,19 +43,7 @@ V2VORManager *GroupFixture::addOutsider(const QString &userID)
 
 QString GroupFixture::nickNameOf(const QString &userID)
 {
-    if (userID.isEmpty())
-        return {};
     return userID.left(1).toUpper() + userID.mid(1);
-}
-
-QString GroupFixture::faceURLOf(const QString &userID)
-{
-    return QStringLiteral("https://faces.example.com/%1.png").arg(userID);
-}
-
-bool GroupFixture::isReady() const
-{
-    return m_ready;
 }
 
 V2VORManager *GroupFixture::addClient(const QString &userID)
@@ -96,8 +57,7 @@ V2VORManager *GroupFixture::addClient(const QString &userID)
     manager->login(
         userID, [done] { *done = true; }, [done](int, const QString &) { *done = true; });
     // Spins the event loop until the login answer arrives.
-    if (!QTest::qWaitFor([done] { return *done; }, kLoginTimeoutMs)
-        || manager->getLoginStatus() != V2VOR_STATUS_LOGINED)
+    if (!QTest::qWaitFor([done] { return *done; }, 5000) || manager->getLoginStatus() != V2VOR_STATUS_LOGINED)
         m_ready = false;
     return manager;
 }

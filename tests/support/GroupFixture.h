@@ -24,11 +24,11 @@ public:
     GroupFixture(const GroupFixture &) = delete;
     GroupFixture &operator=(const GroupFixture &) = delete;
 
-    MessagingServer *server() const;
-    QString groupID() const;
-    QStringList userIDs() const;
+    MessagingServer *server() const { return m_server.get(); }
+    QString groupID() const { return m_groupID; }
+    QStringList userIDs() const { return m_userIDs; }
     /// The client logged in as `userID`; null for a user the fixture does not know.
-    V2VORManager *client(const QString &userID) const;
+    V2VORManager *client(const QString &userID) const { return m_clients.value(userID); }
 
     /// Makes `userID`'s client the process's shared client and its profile the kit's login.
     void actAs(const QString &userID);
@@ -38,10 +38,13 @@ public:
     V2VORManager *addOutsider(const QString &userID);
 
     static QString nickNameOf(const QString &userID);
-    static QString faceURLOf(const QString &userID);
+    static QString faceURLOf(const QString &userID)
+    {
+        return QStringLiteral("https://faces.example.com/%1.png").arg(userID);
+    }
 
     /// Whether every login finished (the fixture waits a bounded time for each).
-    bool isReady() const;
+    bool isReady() const { return m_ready; }
 
 private:
     V2VORManager *addClient(const QString &userID);
