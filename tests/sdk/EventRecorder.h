@@ -1,7 +1,9 @@
-// A message listener that keeps everything it hears, for tests to inspect.
+// A message listener that keeps everything it hears, for tests to inspect; it listens to the
+// client it is given from the start.
 #pragma once
 
 #include "sdk/V2VORAdvancedMsgListener.h"
+#include "sdk/V2VORManager.h"
 
 #include <QList>
 #include <QPair>
@@ -9,6 +11,11 @@
 class EventRecorder : public V2VORAdvancedMsgListener
 {
 public:
+    explicit EventRecorder(V2VORManager *client = nullptr)
+    {
+        if (client)
+            client->addAdvancedMsgListener(this);
+    }
     void onRecvNewMessage(const V2VORMessagePtr &message) override { newMessages.append(message); }
     void onRecvMessageModified(const V2VORMessagePtr &message) override { modified.append(message); }
     void onRecvMessageExtensionsChanged(const QString &msgID, const QList<V2VORMessageExtension> &extensions) override

@@ -43,9 +43,7 @@ private Q_SLOTS:
     void writesInTurnReachEveryMember()
     {
         GroupFixture group;
-        EventRecorder atAlice, atCarol;
-        group.client("alice")->addAdvancedMsgListener(&atAlice);
-        group.client("carol")->addAdvancedMsgListener(&atCarol);
+        EventRecorder atAlice(group.client("alice")), atCarol(group.client("carol"));
         const V2VORMessagePtr note = sendToGroup(group.client("alice"), group.groupID(), kNote);
         CallOutcome<Results> alices;
         group.client("alice")->setMessageExtensions(note, { { kConfig, "{}" } }, alices.succ(), alices.fail());
@@ -131,8 +129,7 @@ private Q_SLOTS:
     void sameKeyFromTheSameStateConflicts()
     {
         GroupFixture group;
-        EventRecorder atCarol;
-        group.client("carol")->addAdvancedMsgListener(&atCarol);
+        EventRecorder atCarol(group.client("carol"));
         const V2VORMessagePtr note = sendToGroup(group.client("alice"), group.groupID(), kNote);
         QCOMPARE(setExtensions(group.client("alice"), note, { { kConfig, "first" } }).code(), 0);
         const V2VORMessagePtr bobsCopy = localCopy(group.client("bob"), note->msgID());
@@ -158,8 +155,7 @@ private Q_SLOTS:
     void lateJoinerUsesTheGroupSequence()
     {
         GroupFixture group;
-        EventRecorder atAlice;
-        group.client("alice")->addAdvancedMsgListener(&atAlice);
+        EventRecorder atAlice(group.client("alice"));
         const V2VORMessagePtr note = sendToGroup(group.client("alice"), group.groupID(), kNote);
         QCOMPARE(setExtensions(group.client("alice"), note, { { kConfig, "{}" }, { "alice_1_0", "soup" } }).code(), 0);
         V2VORManager *dave = group.addLateMember(QStringLiteral("dave"));

@@ -22,10 +22,7 @@ private Q_SLOTS:
     void sentMessageReachesTheOtherMembers()
     {
         GroupFixture group;
-        EventRecorder atAlice, atBob, atCarol;
-        group.client("alice")->addAdvancedMsgListener(&atAlice);
-        group.client("bob")->addAdvancedMsgListener(&atBob);
-        group.client("carol")->addAdvancedMsgListener(&atCarol);
+        EventRecorder atAlice(group.client("alice")), atBob(group.client("bob")), atCarol(group.client("carol"));
         QVERIFY(!group.client("alice")->createCustomMessage({}));
         V2VORMessagePtr message = group.client("alice")->createCustomMessage(kNote);
         QCOMPARE(message->elemType(), int(V2VOR_ELEM_TYPE_CUSTOM));
@@ -77,9 +74,7 @@ private Q_SLOTS:
     void staleModificationGetsTheCurrentMessage()
     {
         GroupFixture group;
-        EventRecorder atAlice, atCarol;
-        group.client("alice")->addAdvancedMsgListener(&atAlice);
-        group.client("carol")->addAdvancedMsgListener(&atCarol);
+        EventRecorder atAlice(group.client("alice")), atCarol(group.client("carol"));
         const V2VORMessagePtr note = sendToGroup(group.client("alice"), group.groupID(), kNote);
         QTRY_COMPARE(atCarol.newMessages.size(), 1);
 
@@ -140,10 +135,9 @@ private Q_SLOTS:
     {
         GroupFixture group;
         auto doomed = std::make_unique<EventRecorder>();
-        EventRecorder survivor;
-        group.client("bob")->addAdvancedMsgListener(doomed.get());
         group.client("carol")->addAdvancedMsgListener(doomed.get());
-        group.client("bob")->addAdvancedMsgListener(&survivor);
+        group.client("bob")->addAdvancedMsgListener(doomed.get());
+        EventRecorder survivor(group.client("bob"));
         // Destroyed while the event is already on its way.
         send(group.client("alice"), group.client("alice")->createCustomMessage(kNote), group.groupID());
         doomed.reset();
