@@ -95,7 +95,7 @@ private Q_SLOTS:
         group.client("carol")->modifyMessage(
             carolsCopy, [&](int code, const QString &desc, const V2VORMessagePtr &now) {
                 answer = QStringLiteral("%1 %2 ").arg(code).arg(desc.isEmpty() ? "undescribed" : "described")
-                    + QString::fromUtf8(now->customElem()->data);
+                    + QString::fromUtf8(now ? now->customElem()->data : "no message");
             });
         QTRY_COMPARE(answer, QStringLiteral("8006 described ") + QString::fromUtf8(note->customElem()->data));
         // Carol's device was updated by the event.
