@@ -204,6 +204,7 @@ private Q_SLOTS:
     void bodies()
     {
         ZIQGroupNoteInfo info;
+        // Absent texts are written as "", never as null; the writer pretty-prints.
         QVERIFY(!ZIQGroupNoteMessageBody::noteBody(info, 0).contains("null"));
         info.setTitle(QStringLiteral("T\n午饭"));
         info.setDesc(QStringLiteral("D"));
