@@ -90,6 +90,7 @@ private Q_SLOTS:
 
         // Bob joins through the note and tells the group by a tips message pointing back at it.
         const QJsonObject body = ZIQTool::jsonData2Dictionary(s.join("bob", msgID, "Bob: soup")->customElem()->data);
+        QCOMPARE(body.value("businessID").toString(), QStringLiteral("group_note_tips"));
         QCOMPARE(body.value("content").toObject().value("original_msg_id").toString(), msgID);
 
         // Dave joined the group later: only a tips message is in his history, so he reaches the
