@@ -84,18 +84,21 @@ void ZIQBRBaseView::setPickerFooterView(QWidget *view)
     m_pickerFooterView = view;
 }
 
-QWidget *ZIQBRBaseView::keyView() const
+QWidget *ZIQ_BRGetKeyWindow(const QWidget *except)
 {
-    if (m_keyView)
-        return m_keyView->window();
-    if (QWidget *active = QApplication::activeWindow(); active && active != this)
+    if (QWidget *active = QApplication::activeWindow(); active && active != except)
         return active;
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
-        if (window != this && window->isVisible())
+        if (window != except && window->isVisible())
             return window;
     }
     return nullptr;
+}
+
+QWidget *ZIQBRBaseView::keyView() const
+{
+    return m_keyView ? m_keyView->window() : ZIQ_BRGetKeyWindow(this);
 }
 
 void ZIQBRBaseView::show()

@@ -14,6 +14,10 @@ class QLabel;
 class QParallelAnimationGroup;
 class QPushButton;
 
+/// The window sheets are shown over when no view is given: the active window, else the first
+/// visible top-level window other than `except`.
+QWidget *ZIQ_BRGetKeyWindow(const QWidget *except = nullptr);
+
 class ZIQBRBaseView : public QWidget
 {
     Q_OBJECT
