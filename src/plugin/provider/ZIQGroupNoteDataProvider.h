@@ -71,6 +71,9 @@ public:
     void setLocalShowLineNum(qint64 showLineNum) { m_localShowLineNum = showLineNum; }
     /// Conflict retries spent on message modifications since the last successful one.
     qint64 modifyRetryCount() const { return m_modifyRetryCount; }
+    /// The callbacks of a send through the kit's chat service still waiting for its result event.
+    const SendSucc &sendNoteMessageSucc() const { return m_sendNoteMessageSucc; }
+    const SendFail &sendNoteMessageFail() const { return m_sendNoteMessageFail; }
     ZIQGroupNoteDataProviderDelegate *delegate() const;
     void setDelegate(ZIQGroupNoteDataProviderDelegate *delegate);
     /// The messaging client the provider talks to.
