@@ -97,17 +97,8 @@ QString ZIQGroupNoteDataProvider::sendMessage(const V2VORMessagePtr &message, co
             fail(-1, ZIQGroupNoteExtensionClient::noClientDesc);
         return {};
     }
-    return sdk->sendMessage(
-        message, QString(), groupID, appendParams.priority, appendParams.isOnlineUserOnly, std::nullopt,
-        std::move(progress),
-        [succ] {
-            if (succ)
-                succ();
-        },
-        [fail](int code, const QString &desc) {
-            if (fail)
-                fail(code, desc);
-        });
+    return sdk->sendMessage(message, QString(), groupID, appendParams.priority, appendParams.isOnlineUserOnly,
+        std::nullopt, std::move(progress), std::move(succ), std::move(fail));
 }
 
 V2VOROfflinePushInfo ZIQGroupNoteDataProvider::offlinePushInfo(const QString &groupID)

@@ -31,12 +31,9 @@ V2VORManager *ZIQGroupNoteExtensionClient::manager() const
 void ZIQGroupNoteExtensionClient::setMessageExtension(
     const V2VORMessagePtr &message, const QList<V2VORMessageExtension> &extensions, Completion completion) const
 {
-    V2VORManager *sdk = manager();
-    if (!sdk) {
-        if (completion)
-            completion(-1, noClientDesc);
+    V2VORManager *sdk = readyClient(completion);
+    if (!sdk)
         return;
-    }
     sdk->setMessageExtensions(
         message, extensions,
         [message, completion](const QList<V2VORMessageExtensionResult> &results) {
@@ -56,12 +53,14 @@ void ZIQGroupNoteExtensionClient::setMessageExtension(
 void ZIQGroupNoteExtensionClient::deleteMessageExtension(
     const V2VORMessagePtr &message, const QStringList &keys, Completion completion) const
 {
-    V2VORManager *sdk = manager();
-    if (keys.isEmpty() || !sdk) {
+    if (keys.isEmpty()) {
         if (completion)
-            keys.isEmpty() ? completion(0, QString()) : completion(-1, noClientDesc);
+            completion(0, QString());
         return;
     }
+    V2VORManager *sdk = readyClient(completion);
+    if (!sdk)
+        return;
     sdk->deleteMessageExtensions(
         message, keys,
         [message, completion](const QList<V2VORMessageExtensionResult> &results) {
@@ -80,12 +79,9 @@ void ZIQGroupNoteExtensionClient::deleteMessageExtension(
 
 void ZIQGroupNoteExtensionClient::getMessageExtensions(const V2VORMessagePtr &message, ListCompletion completion) const
 {
-    V2VORManager *sdk = manager();
-    if (!sdk) {
-        if (completion)
-            completion(-1, noClientDesc, {});
+    V2VORManager *sdk = readyClient(completion, QList<V2VORMessageExtension>());
+    if (!sdk)
         return;
-    }
     sdk->getMessageExtensions(
         message,
         [completion](const QList<V2VORMessageExtension> &list) {
@@ -128,12 +124,9 @@ void ZIQGroupNoteExtensionClient::deleteMessageExtensionBySeq(
 void ZIQGroupNoteExtensionClient::setSDKMessageExtensionBySeq(const QString &groupID, quint64 seq,
     const QList<V2VORMessageExtension> &extensions, ResultsCompletion completion) const
 {
-    V2VORManager *sdk = manager();
-    if (!sdk) {
-        if (completion)
-            completion(-1, noClientDesc, {});
+    V2VORManager *sdk = readyClient(completion, QList<V2VORMessageExtensionResult>());
+    if (!sdk)
         return;
-    }
     QVariantMap param = sequenceParam(groupID, seq);
     param.insert(QStringLiteral("messageExtensionList"), QVariant::fromValue(extensions));
     sdk->callExperimentalAPI(
@@ -159,12 +152,9 @@ void ZIQGroupNoteExtensionClient::setSDKMessageExtensionBySeq(const QString &gro
 void ZIQGroupNoteExtensionClient::getMessageExtensionsBySeq(
     const QString &groupID, quint64 seq, ListCompletion completion) const
 {
-    V2VORManager *sdk = manager();
-    if (!sdk) {
-        if (completion)
-            completion(-1, noClientDesc, {});
+    V2VORManager *sdk = readyClient(completion, QList<V2VORMessageExtension>());
+    if (!sdk)
         return;
-    }
     sdk->callExperimentalAPI(
         kGetBySequenceAPI, sequenceParam(groupID, seq),
         [completion](const QVariant &result) {
@@ -184,12 +174,9 @@ void ZIQGroupNoteExtensionClient::getMessageExtensionsBySeq(
 
 void ZIQGroupNoteExtensionClient::findMessageByMsgID(const QString &msgID, MessageCompletion completion) const
 {
-    V2VORManager *sdk = manager();
-    if (!sdk) {
-        if (completion)
-            completion(-1, noClientDesc, nullptr);
+    V2VORManager *sdk = readyClient(completion, V2VORMessagePtr());
+    if (!sdk)
         return;
-    }
     sdk->findMessages(
         { msgID },
         [completion](const QList<V2VORMessagePtr> &messages) {

@@ -62,5 +62,16 @@ public:
 private:
     static QVariantMap sequenceParam(const QString &groupID, quint64 seq);
 
+    /// The client to call, or null after answering `completion` with -1 and the given empty
+    /// trailing values.
+    template<typename Callback, typename... Empty>
+    V2VORManager *readyClient(const Callback &completion, Empty &&...empty) const
+    {
+        V2VORManager *sdk = manager();
+        if (!sdk && completion)
+            completion(-1, noClientDesc, std::forward<Empty>(empty)...);
+        return sdk;
+    }
+
     QPointer<V2VORManager> m_manager;
 };
