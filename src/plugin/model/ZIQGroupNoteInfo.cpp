@@ -1,13 +1,13 @@
 #include "plugin/model/ZIQGroupNoteInfo.h"
 
 #include "kit/common/ZIQLogin.h"
+#include "kit/common/ZIQTool.h"
 #include "platform/MainQueue.h"
 #include "plugin/model/ZIQGroupNoteExtensionKey.h"
 #include "plugin/model/ZIQGroupNoteJsonValue.h"
 #include "sdk/V2VORManager.h"
 
 #include <QHash>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
 #include <vector>
@@ -75,7 +75,7 @@ ZIQGroupNoteInfoPtr ZIQGroupNoteInfo::initWithMessage(const V2VORMessagePtr &mes
 {
     if (!message || !message->customElem())
         return nullptr;
-    const QJsonObject body = QJsonDocument::fromJson(message->customElem()->data).object();
+    const QJsonObject body = ZIQTool::jsonData2Dictionary(message->customElem()->data);
     auto info = std::make_shared<ZIQGroupNoteInfo>();
     info->m_title = body.value(QLatin1String("title")).toString();
     info->m_desc = body.value(QLatin1String("description")).toString();

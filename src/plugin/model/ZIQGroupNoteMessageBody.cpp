@@ -1,9 +1,9 @@
 #include "plugin/model/ZIQGroupNoteMessageBody.h"
 
+#include "kit/common/ZIQTool.h"
 #include "plugin/model/ZIQGroupNoteInfo.h"
 #include "plugin/model/ZIQGroupNoteJsonValue.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace {
@@ -13,16 +13,6 @@ const QString contentKey = QStringLiteral("content");
 const QString originalMsgIDKey = QStringLiteral("original_msg_id");
 const QString originalMsgSeqKey = QStringLiteral("original_msg_seq");
 const QString showLineNumKey = QStringLiteral("show_line_num");
-
-QByteArray serialized(const QJsonObject &body)
-{
-    return QJsonDocument(body).toJson(QJsonDocument::Indented);
-}
-
-QJsonObject parsed(const QByteArray &body)
-{
-    return QJsonDocument::fromJson(body).object();
-}
 
 } // namespace
 
@@ -35,7 +25,7 @@ QByteArray ZIQGroupNoteMessageBody::noteBody(const ZIQGroupNoteInfo &info, qint6
         { originalMsgSeqKey, 0 },
     };
     // QJsonValue(QString()) writes "", never null, so absent texts need no special case.
-    return serialized(QJsonObject {
+    return ZIQTool::dictionary2JsonData(QJsonObject {
         { businessIDKey, noteBusinessID },
         { QStringLiteral("title"), info.title() },
         { QStringLiteral("description"), info.desc() },
@@ -47,13 +37,13 @@ QByteArray ZIQGroupNoteMessageBody::noteBody(const ZIQGroupNoteInfo &info, qint6
 QByteArray ZIQGroupNoteMessageBody::tipsBody(
     const QByteArray &noteBody, const QString &originMsgID, quint64 originMsgSeq)
 {
-    QJsonObject body = parsed(noteBody);
+    QJsonObject body = ZIQTool::jsonData2Dictionary(noteBody);
     body.insert(businessIDKey, tipsBusinessID);
     QJsonObject content = body.value(contentKey).toObject();
     content.insert(originalMsgIDKey, originMsgID);
     content.insert(originalMsgSeqKey, ZIQGroupNoteJsonValue::fromUInt64(originMsgSeq));
     body.insert(contentKey, content);
-    return serialized(body);
+    return ZIQTool::dictionary2JsonData(body);
 }
 
 QByteArray ZIQGroupNoteMessageBody::tipsBody(const V2VORMessagePtr &message, const ZIQGroupNoteInfo &info)
@@ -67,7 +57,7 @@ QByteArray ZIQGroupNoteMessageBody::tipsBody(const V2VORMessagePtr &message, con
 
 QByteArray ZIQGroupNoteMessageBody::bodyWithShowLineNum(const QByteArray &body, qint64 showLineNum)
 {
-    QJsonObject object = parsed(body);
+    QJsonObject object = ZIQTool::jsonData2Dictionary(body);
     object.insert(showLineNumKey, showLineNum);
-    return serialized(object);
+    return ZIQTool::dictionary2JsonData(object);
 }

@@ -1,8 +1,7 @@
 #include "plugin/model/ZIQGroupNoteSetting.h"
 
+#include "kit/common/ZIQTool.h"
 #include "plugin/model/ZIQGroupNoteJsonValue.h"
-
-#include <QJsonDocument>
 
 ZIQGroupNoteSetting::ZIQGroupNoteSetting(bool allowMultiSubmit, bool allowNotify, double deadlineTimestampInMS)
     : m_allowMultiSubmit(allowMultiSubmit)
@@ -22,12 +21,12 @@ QJsonObject ZIQGroupNoteSetting::configDictionary() const
 
 QString ZIQGroupNoteSetting::configValue() const
 {
-    return QString::fromUtf8(QJsonDocument(configDictionary()).toJson(QJsonDocument::Indented));
+    return ZIQTool::dictionary2JsonStr(configDictionary());
 }
 
 ZIQGroupNoteSettingPtr ZIQGroupNoteSetting::settingWithConfigValue(const QString &value)
 {
-    const QJsonObject config = QJsonDocument::fromJson(value.toUtf8()).object();
+    const QJsonObject config = ZIQTool::jsonData2Dictionary(value.toUtf8());
     const quint64 deadline = ZIQGroupNoteJsonValue::toUInt64(config.value(QLatin1String("deadline")));
     return std::make_shared<ZIQGroupNoteSetting>(
         ZIQGroupNoteJsonValue::toBool(config.value(QLatin1String("multi_submit"))),
