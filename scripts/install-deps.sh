@@ -3,8 +3,8 @@
 # Does nothing when everything is there already.
 set -euo pipefail
 
-packages=(cmake g++ make qt6-base-dev libgl-dev libicu-dev libbenchmark-dev
-          fonts-noto-cjk fonts-dejavu-core)
+packages=(cmake g++ make ccache qt6-base-dev qt6-svg-dev libgl-dev libicu-dev libbenchmark-dev
+          fonts-inter fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core)
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
