@@ -6,3 +6,6 @@ enum class ZIQToastPosition {
     Center,
     Bottom,
 };
+
+/// The position of the kit's notices: the middle of the window the user is looking at.
+inline constexpr ZIQToastPosition ZIQCSToastPositionCenter = ZIQToastPosition::Center;
