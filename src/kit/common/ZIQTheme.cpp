@@ -8,8 +8,6 @@
 #include <QLoggingCategory>
 #include <QPixmap>
 #include <QRegularExpression>
-#include <QSvgRenderer>
-#include <QWidget>
 
 namespace {
 
@@ -18,14 +16,6 @@ Q_LOGGING_CATEGORY(lcTheme, "ziq.kit.theme")
 QColor dynamicSystemColor(const QColor &light, const QColor &dark)
 {
     return ZIQThemeManager::shareManager()->isDark() ? dark : light;
-}
-
-QIcon svgImage(const QString &path)
-{
-    // Checked first: an icon made from an unreadable SVG is not null, it merely draws nothing.
-    if (!QSvgRenderer(path).isValid())
-        return {};
-    return QIcon(path);
 }
 
 // "name.png", "name@2x.png" and "name@3x.png", each drawn at its own device pixel ratio.
@@ -119,14 +109,11 @@ QIcon ZIQTheme::imageWithContentsOfFile(const QString &path)
     const QString suffix = file.suffix().toLower();
     if (suffix == QLatin1String("png"))
         return scaledPngImage(path.chopped(suffix.size() + 1));
-    if (!suffix.isEmpty() && file.isFile()) {
-        if (suffix == QLatin1String("svg"))
-            return svgImage(path);
-        const QPixmap pixmap(path);
-        return pixmap.isNull() ? QIcon() : QIcon(pixmap);
-    }
+    // Qt's SVG icon engine draws an SVG sharp at every size; an unreadable file gives a null icon.
+    if (file.isFile())
+        return QIcon(path);
     if (QFileInfo::exists(path + QStringLiteral(".svg")))
-        return svgImage(path + QStringLiteral(".svg"));
+        return QIcon(path + QStringLiteral(".svg"));
     return scaledPngImage(path);
 }
 
