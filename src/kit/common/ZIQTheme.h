@@ -27,8 +27,8 @@ public:
     static QIcon dynamicImage(const QString &key, int module, const QIcon &defaultImage);
 
     /// The image in the file at `path`. A path without a suffix is looked up as a resource
-    /// bundle names its images: "name.svg", else "name.png" with its "@2x"/"@3x" variants.
-    /// A null icon when nothing readable is there.
+    /// bundle names its images: "name.svg", else "name.png". A PNG comes with the "@2x" and
+    /// "@3x" variants beside it, for sharper screens. A null icon when nothing readable is there.
     static QIcon imageWithContentsOfFile(const QString &path);
 
     /// The colour written in `hex` (see dynamicColor()); an invalid colour when it is none.
