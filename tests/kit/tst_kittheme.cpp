@@ -1,8 +1,6 @@
 // The kit's theme: colour and image lookups with their defaults, theme switches reaching bound
-// widgets, the theme and image bundles compiled into the kit, right-to-left strings and the
-// language key.
+// widgets, the theme and image bundles compiled into the kit, and right-to-left strings.
 #include "kit/common/ZIQConfig.h"
-#include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQRTL.h"
 #include "kit/common/ZIQTheme.h"
 #include "kit/common/ZIQThemeManager.h"
@@ -79,7 +77,6 @@ private Q_SLOTS:
     {
         ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight);
         setRTLOption(false);
-        ZIQGlobalization::setPreferredLanguage(QString());
     }
 
     void colorLookup_data()
@@ -295,28 +292,6 @@ private Q_SLOTS:
         setRTLOption(on);
         QCOMPARE(getRTLOption(), on);
         QCOMPARE(::rtlString(text), expected);
-    }
-
-    void languageKey_data()
-    {
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("simplified") << "zh_CN"
-                                    << "zh-Hans";
-        QTest::newRow("traditional by script") << "zh-Hant-CN"
-                                               << "zh-Hant";
-        QTest::newRow("traditional by region") << "zh_HK"
-                                               << "zh-Hant";
-        QTest::newRow("other") << "ja_JP"
-                               << "en";
-    }
-
-    void languageKey()
-    {
-        QFETCH(QString, language);
-        QFETCH(QString, expected);
-        ZIQGlobalization::setPreferredLanguage(language);
-        QCOMPARE(ZIQGlobalization::tk_localizableLanguageKey(), expected);
     }
 };
 
