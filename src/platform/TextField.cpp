@@ -32,7 +32,7 @@ TextField::TextField(QWidget *parent)
     // QLineEdit's own placeholder stays invisible; paintPlaceholder() draws it in its own font.
     pal.setColor(QPalette::PlaceholderText, Qt::transparent);
     setPalette(pal);
-    setTextAlignment(Qt::AlignLeading);
+    setTextAlignment(Alignment::Natural);
     updateMargins();
     connect(this, &QLineEdit::textEdited, this, &TextField::editingChanged);
     Keyboard::instance();
@@ -99,9 +99,24 @@ void TextField::replaceView(QPointer<QWidget> &slot, QWidget *view)
     placeViews();
 }
 
-void TextField::setTextAlignment(Qt::Alignment alignment)
+void TextField::setTextAlignment(Alignment alignment)
 {
-    setAlignment((alignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter);
+    m_textAlignment = alignment;
+    // Without AlignAbsolute Qt mirrors left and right for right-to-left text: that is Natural.
+    switch (alignment) {
+    case Alignment::Natural:
+        setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+        break;
+    case Alignment::Left:
+        setAlignment(Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter);
+        break;
+    case Alignment::Center:
+        setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+        break;
+    case Alignment::Right:
+        setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
+        break;
+    }
 }
 
 bool TextField::becomeFirstResponder()
@@ -142,7 +157,8 @@ void TextField::paintPlaceholder(QPainter &painter) const
     const QString shown = QFontMetrics(font).elidedText(placeholderText(), Qt::ElideRight, area.width());
     painter.setFont(font);
     painter.setPen(m_placeholderColor);
-    painter.drawText(area, int(QStyle::visualAlignment(layoutDirection(), alignment())), shown);
+    const Qt::LayoutDirection direction = placeholderText().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
+    painter.drawText(area, int(QStyle::visualAlignment(direction, alignment())), shown);
 }
 
 void TextField::resizeEvent(QResizeEvent *event)

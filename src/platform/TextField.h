@@ -17,6 +17,10 @@ class TextField : public QLineEdit
     Q_OBJECT
 
 public:
+    /// Where the text stands across the field. Left and Right are absolute (a right-to-left
+    /// interface asks for Right); Natural follows the direction of the text itself.
+    enum class Alignment { Natural, Left, Center, Right };
+
     explicit TextField(QWidget *parent = nullptr);
 
     /// The placeholder is QLineEdit's placeholderText(), drawn in this colour and font
@@ -45,10 +49,9 @@ public:
     QWidget *rightView() const { return m_rightView; }
     void setRightView(QWidget *view);
 
-    /// Qt::AlignLeft or Qt::AlignRight (right-to-left interfaces), or Qt::AlignLeading for
-    /// the natural side of the text; always vertically centred.
-    Qt::Alignment textAlignment() const { return alignment() & Qt::AlignHorizontal_Mask; }
-    void setTextAlignment(Qt::Alignment alignment);
+    /// Always vertically centred.
+    Alignment textAlignment() const { return m_textAlignment; }
+    void setTextAlignment(Alignment alignment);
 
     /// Takes the focus (and so brings up the keyboard). False when the field cannot edit.
     bool becomeFirstResponder();
@@ -76,6 +79,7 @@ private:
     std::optional<QFont> m_placeholderFont;
     QColor m_backgroundColor = Qt::transparent;
     qreal m_cornerRadius = 0;
+    Alignment m_textAlignment = Alignment::Natural;
     QPointer<QWidget> m_leftView;
     QPointer<QWidget> m_rightView;
 };

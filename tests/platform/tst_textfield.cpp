@@ -76,22 +76,31 @@ private Q_SLOTS:
     }
 
     // The padding views push the text and the placeholder in by their widths, on the side the
-    // alignment puts them; without views the text starts at the edge (glyph bearings aside).
-    void paddingAndPlaceholder_data()
+    // alignment puts each of them; without views the text starts at the edge (glyph bearings
+    // aside).
+    void paddingAndAlignment_data()
     {
+        const QString arabic = QStringLiteral("سلام عليكم");
+        QTest::addColumn<TextField::Alignment>("alignment");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("textOnRight");
+        QTest::addColumn<bool>("placeholderOnRight");
         QTest::addColumn<bool>("sameViewBothSides");
-        QTest::addColumn<Qt::Alignment>("alignment");
-        QTest::addColumn<int>("shift"); // expected move of the text, rightwards
-        QTest::newRow("left to right") << false << Qt::Alignment(Qt::AlignLeft) << 16;
-        QTest::newRow("right to left") << false << Qt::Alignment(Qt::AlignRight) << -36;
-        QTest::newRow("one view in both slots") << true << Qt::Alignment(Qt::AlignRight) << -16;
+        QTest::newRow("left") << TextField::Alignment::Left << "Milk" << false << false << false;
+        QTest::newRow("right") << TextField::Alignment::Right << "Milk" << true << true << false;
+        QTest::newRow("right, arabic") << TextField::Alignment::Right << arabic << true << true << false;
+        QTest::newRow("left, arabic") << TextField::Alignment::Left << arabic << false << false << false;
+        QTest::newRow("natural, arabic") << TextField::Alignment::Natural << arabic << true << false << false;
+        QTest::newRow("one view in both slots") << TextField::Alignment::Right << "Milk" << true << true << true;
     }
 
-    void paddingAndPlaceholder()
+    void paddingAndAlignment()
     {
+        QFETCH(TextField::Alignment, alignment);
+        QFETCH(QString, text);
+        QFETCH(bool, textOnRight);
+        QFETCH(bool, placeholderOnRight);
         QFETCH(bool, sameViewBothSides);
-        QFETCH(Qt::Alignment, alignment);
-        QFETCH(int, shift);
         auto makeField = [&](bool padded) {
             auto field = std::make_unique<TextField>();
             field->resize(200, 46);
@@ -107,27 +116,31 @@ private Q_SLOTS:
             field->setTextColor(Qt::blue);
             return field;
         };
-        const bool leftAligned = alignment & Qt::AlignLeft;
-        auto edge = [&](const QList<int> &columns) { return leftAligned ? columns.first() : columns.last(); };
+        // Where the drawing in `color` starts (left) or ends (right), and how far padding moves it.
+        auto edge = [](QWidget &field, const QColor &color, bool right) {
+            const QList<int> columns = columnsOf(field.grab().toImage(), color);
+            return columns.isEmpty() ? -1 : right ? columns.last() : columns.first();
+        };
+        auto shift = [&](bool right) { return right ? (sameViewBothSides ? -16 : -36) : 16; };
         const auto plain = makeField(false);
         const auto padded = makeField(true);
         QCOMPARE(padded->leftView() == padded->rightView(), sameViewBothSides);
 
-        const QList<int> plainPlaceholder = columnsOf(plain->grab().toImage(), Qt::red);
-        const QList<int> placeholder = columnsOf(padded->grab().toImage(), Qt::red);
-        QVERIFY(!placeholder.isEmpty() && !plainPlaceholder.isEmpty());
-        QCOMPARE(edge(placeholder) - edge(plainPlaceholder), shift);
+        const int placeholder = edge(*padded, Qt::red, placeholderOnRight);
+        QVERIFY(placeholder >= 0);
+        QCOMPARE(placeholder - edge(*plain, Qt::red, placeholderOnRight), shift(placeholderOnRight));
+        QCOMPARE(placeholder < 100, !placeholderOnRight);
 
-        plain->setText(QStringLiteral("Milk"));
-        padded->setText(QStringLiteral("Milk"));
-        const QImage filled = padded->grab().toImage();
-        QVERIFY(columnsOf(filled, Qt::red).isEmpty());
-        const QList<int> text = columnsOf(filled, Qt::blue);
-        const QList<int> plainText = columnsOf(plain->grab().toImage(), Qt::blue);
-        QVERIFY(!text.isEmpty() && !plainText.isEmpty());
-        QVERIFY(qAbs(edge(text) - edge(plainText) - shift) <= 1);
-        if (leftAligned)
-            QVERIFY2(plainText.first() <= 2, qPrintable(QString::number(plainText.first())));
+        plain->setText(text);
+        padded->setText(text);
+        QCOMPARE(edge(*padded, Qt::red, false), -1);
+        const int shown = edge(*padded, Qt::blue, textOnRight);
+        const int unpadded = edge(*plain, Qt::blue, textOnRight);
+        QVERIFY(shown >= 0);
+        QVERIFY(qAbs(shown - unpadded - shift(textOnRight)) <= 1);
+        QCOMPARE(shown < 100, !textOnRight);
+        if (!textOnRight)
+            QVERIFY2(unpadded <= 2, qPrintable(QString::number(unpadded)));
     }
 
     void roundedTranslucentBackground()
