@@ -58,23 +58,6 @@ private Q_SLOTS:
         QCOMPARE(changed.at(2).at(0).toString(), QStringLiteral("a"));
     }
 
-    void returnReportsThenResigns()
-    {
-        QWidget window;
-        auto *field = new TextField(&window);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        QVERIFY(field->becomeFirstResponder());
-        QVERIFY(field->isFirstResponder());
-        bool focusedWhenReported = false;
-        connect(field, &TextField::returnPressed, this, [&] { focusedWhenReported = field->hasFocus(); });
-        QTest::keyClick(field, Qt::Key_Return);
-        QVERIFY(focusedWhenReported);
-        QVERIFY(!field->isFirstResponder());
-        field->setEnabled(false);
-        QVERIFY(!field->becomeFirstResponder());
-    }
-
     // The padding views push the text and the placeholder in by their widths, on the side the
     // alignment puts each of them; without views the text starts at the edge (glyph bearings
     // aside).
