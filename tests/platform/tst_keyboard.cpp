@@ -1,0 +1,199 @@
+// The simulated keyboard: focus on a text field brings it up over the window on the main
+// queue's clock, with the will/did notifications and frames a phone sends; focus leaving text
+// input takes it away again.
+#include "platform/Keyboard.h"
+#include "platform/ManualClock.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Screen.h"
+#include "platform/TextField.h"
+
+#include <QEasingCurve>
+#include <QPushButton>
+#include <QTest>
+
+using namespace platform;
+
+namespace {
+
+struct Posted
+{
+    QString name;
+    QRectF begin;
+    QRectF end;
+    double duration;
+};
+
+// Records every keyboard notification while it lives.
+class Recorder : public QObject
+{
+public:
+    Recorder()
+    {
+        for (const QString &name : { KeyboardWillShowNotification, KeyboardDidShowNotification,
+                 KeyboardWillHideNotification, KeyboardDidHideNotification }) {
+            NotificationCenter::defaultCenter().addObserver(this, name, [this](const Notification &n) {
+                QVERIFY(n.userInfo.value(KeyboardAnimationCurveUserInfoKey).canConvert<QEasingCurve>());
+                posted.append({ n.name, n.userInfo.value(KeyboardFrameBeginUserInfoKey).toRectF(),
+                    n.userInfo.value(KeyboardFrameEndUserInfoKey).toRectF(),
+                    n.userInfo.value(KeyboardAnimationDurationUserInfoKey).toDouble() });
+            });
+        }
+    }
+
+    QStringList names() const
+    {
+        QStringList names;
+        for (const Posted &p : posted)
+            names.append(p.name);
+        return names;
+    }
+
+    QList<Posted> posted;
+};
+
+// A phone-sized window holding two text fields, a read-only one and a button.
+struct Phone
+{
+    explicit Phone(const QSizeF &size)
+    {
+        window.resize(size.toSize());
+        int top = 100;
+        for (QWidget *w : std::initializer_list<QWidget *> { first, second, readOnly, button }) {
+            w->setParent(&window);
+            w->setGeometry(16, top, 343, 46);
+            top += 58;
+        }
+        readOnly->setReadOnly(true);
+        // The window keeps the focus itself when it opens, so that no field starts out focused.
+        window.setFocusPolicy(Qt::ClickFocus);
+        window.setFocus();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+    }
+
+    QWidget window;
+    TextField *first = new TextField;
+    TextField *second = new TextField;
+    TextField *readOnly = new TextField;
+    QPushButton *button = new QPushButton(QStringLiteral("Done"));
+};
+
+} // namespace
+
+class KeyboardTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void slidesUpAndAwayWithNotifications_data()
+    {
+        QTest::addColumn<QSizeF>("screen");
+        QTest::addColumn<qreal>("height");
+        QTest::newRow("375x812") << QSizeF(375, 812) << 336.0;
+        QTest::newRow("375x667") << QSizeF(375, 667) << 260.0;
+        QTest::newRow("no screen") << QSizeF(0, 0) << 0.0;
+    }
+
+    void slidesUpAndAwayWithNotifications()
+    {
+        QFETCH(QSizeF, screen);
+        QFETCH(qreal, height);
+        ScreenScope scope(screen);
+        ManualClock clock;
+        Phone phone(QSizeF(375, 667));
+        Recorder recorder;
+        const QRectF up(0, screen.height() - height, screen.width(), height);
+        const QRectF down(0, screen.height(), screen.width(), height);
+        QCOMPARE(Keyboard::height(), height);
+
+        QVERIFY(phone.first->becomeFirstResponder());
+        QCOMPARE(Keyboard::firstResponder(), phone.first);
+        if (height == 0) {
+            clock.advance(250);
+            QVERIFY(recorder.posted.isEmpty() && !Keyboard::instance()->isVisible());
+            return;
+        }
+        QCOMPARE(recorder.names(), QStringList { KeyboardWillShowNotification });
+        QCOMPARE(recorder.posted.last().begin, down);
+        QCOMPARE(recorder.posted.last().end, up);
+        QCOMPARE(recorder.posted.last().duration, 0.25);
+        KeyboardView *panel = Keyboard::instance()->view();
+        QVERIFY(panel && panel->parentWidget() == &phone.window);
+
+        clock.advance(125);
+        QVERIFY(panel->isVisible() && panel->y() > 667 - height && panel->y() < 667);
+        QCOMPARE(recorder.posted.size(), 1);
+        clock.advance(125);
+        QCOMPARE(recorder.names().last(), KeyboardDidShowNotification);
+        QCOMPARE(recorder.posted.last().end, up);
+        QCOMPARE(panel->geometry(), QRect(0, 667 - height, 375, height));
+        QCOMPARE(Keyboard::instance()->frame(), up);
+
+        phone.first->resignFirstResponder();
+        QCOMPARE(recorder.names().last(), KeyboardWillHideNotification);
+        QCOMPARE(recorder.posted.last().begin, up);
+        QCOMPARE(recorder.posted.last().end, down);
+        clock.advance(250);
+        QCOMPARE(recorder.names().last(), KeyboardDidHideNotification);
+        QVERIFY(!panel->isVisible());
+        QCOMPARE(recorder.posted.size(), 4);
+    }
+
+    // Moving between fields tells the screen again without hiding; focus on anything that
+    // does not type (a button, a read-only field) lets the keyboard go, and so does return,
+    // once the field has reported it.
+    void followsTheFocus_data()
+    {
+        QTest::addColumn<int>("next"); // 1 second field, 2 read-only field, 3 button, 4 return key
+        QTest::addColumn<QStringList>("then");
+        QTest::newRow("another field") << 1
+                                       << QStringList { KeyboardWillShowNotification, KeyboardDidShowNotification };
+        QTest::newRow("read-only field") << 2 << QStringList { KeyboardWillHideNotification };
+        QTest::newRow("button") << 3 << QStringList { KeyboardWillHideNotification };
+        QTest::newRow("return") << 4 << QStringList { QStringLiteral("return"), KeyboardWillHideNotification };
+    }
+
+    void followsTheFocus()
+    {
+        QFETCH(int, next);
+        QFETCH(QStringList, then);
+        ScreenScope scope(QSizeF(375, 812));
+        ManualClock clock;
+        Phone phone(QSizeF(375, 812));
+        phone.first->becomeFirstResponder();
+        clock.advance(250);
+        Recorder recorder;
+        connect(phone.first, &TextField::returnPressed, &recorder, [&] {
+            recorder.posted.append({ QStringLiteral("return"), {}, {}, 0 });
+        });
+        QWidget *targets[] = { phone.first, phone.second, phone.readOnly, phone.button };
+        if (next == 4)
+            QTest::keyClick(phone.first, Qt::Key_Return);
+        else
+            targets[next]->setFocus();
+        QCOMPARE(recorder.names(), then);
+        QCOMPARE(Keyboard::instance()->isVisible(), next == 1);
+    }
+
+    // Hiding halfway up turns back from where the keyboard stands; the rise never finishes.
+    void turnsBackHalfway()
+    {
+        ScreenScope scope(QSizeF(375, 812));
+        ManualClock clock;
+        Phone phone(QSizeF(375, 812));
+        Recorder recorder;
+        phone.first->becomeFirstResponder();
+        clock.advance(100);
+        const QRectF halfway = Keyboard::instance()->frame();
+        QVERIFY(halfway.top() > 812 - 336 && halfway.top() < 812);
+        QVERIFY(Keyboard::endEditing(&phone.window));
+        QCOMPARE(recorder.posted.last().begin, halfway);
+        clock.advance(250);
+        QCOMPARE(recorder.names(),
+            (QStringList { KeyboardWillShowNotification, KeyboardWillHideNotification, KeyboardDidHideNotification }));
+        QVERIFY(!Keyboard::endEditing(&phone.window));
+    }
+};
+
+QTEST_MAIN(KeyboardTest)
+#include "tst_keyboard.moc"
