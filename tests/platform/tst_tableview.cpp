@@ -1,12 +1,14 @@
 // The table view: which rows live as widgets and where they stand, how cells come back for
 // other rows, and how the table scrolls, is kept from scrolling, and follows row changes.
 #include "platform/ManualClock.h"
+#include "platform/SystemFont.h"
 #include "platform/TableView.h"
 #include "platform/TableViewCell.h"
 #include "platform/TableViewDataSource.h"
 #include "platform/TableViewDelegate.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
 #include <QTest>
 #include <QWheelEvent>
@@ -102,6 +104,8 @@ class TestTableView : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { platform::SystemFont::install(); }
+
     void onlyRowsOnScreenLive_data()
     {
         QTest::addColumn<qreal>("offset");
@@ -298,6 +302,48 @@ private Q_SLOTS:
         QCOMPARE(table.top(7), tops.at(2) + 45);
         QCOMPARE(table.view.contentSize().height(), 30 * RowHeight + 45);
         QCOMPARE(table.liveRows(), range(1, 18));
+    }
+
+    // Two sections on a grouped background, white rows with separators, every other row with a
+    // disclosure indicator; saved beside the test program for a person to look at.
+    void picture()
+    {
+        class Settings : public Rows
+        {
+        public:
+            using Rows::Rows;
+            int numberOfSections(TableView *) const override { return 2; }
+            qreal heightForHeader(TableView *, int section) override { return section == 0 ? 0 : 24; }
+            TableViewCell *cellForRow(TableView *table, const IndexPath &path) override
+            {
+                auto *cell = static_cast<LabelCell *>(Rows::cellForRow(table, path));
+                cell->label->setText(QStringLiteral("Row %1 of section %2").arg(path.row).arg(path.section));
+                cell->label->setFont(platform::SystemFont::regular(16));
+                cell->label->setGeometry(16, 0, 300, int(RowHeight));
+                cell->setBackgroundColor(Qt::white);
+                cell->setAccessoryType(path.row % 2 ? TableViewCell::AccessoryType::DisclosureIndicator
+                                                    : TableViewCell::AccessoryType::None);
+                return cell;
+            }
+        } rows(3);
+        Table table(rows);
+        const QColor grouped(0xF2, 0xF2, 0xF7);
+        table.view.setBackgroundColor(grouped);
+        table.view.setSeparatorStyle(TableView::SeparatorStyle::SingleLine);
+        table.view.setTableFooterView(new QWidget);
+        const QImage image = table.view.grab().toImage();
+        QVERIFY(image.save(QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("tableview.png"))));
+        const int bottomOfRow0 = int(RowHeight) - 1;
+        QCOMPARE(image.pixelColor(200, bottomOfRow0), table.view.separatorColor());
+        QCOMPARE(image.pixelColor(8, bottomOfRow0), QColor(Qt::white)); // separators are inset
+        QCOMPARE(image.pixelColor(200, int(3 * RowHeight) + 12), grouped); // the second header
+        QCOMPARE(image.pixelColor(200, int(7 * RowHeight)), grouped); // below the last row
+        const auto chevronShown = [&](int row) {
+            const int middle = int(row * RowHeight + RowHeight / 2);
+            return image.pixelColor(Width - 16 - 1, middle) != QColor(Qt::white);
+        };
+        QVERIFY(chevronShown(1));
+        QVERIFY(!chevronShown(2));
     }
 };
 
