@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace platform {
 
@@ -328,9 +329,9 @@ void TableView::scrollContentsBy(int, int)
         syncScrollBar();
 }
 
-qreal TableView::heightOfRow(const IndexPath &path) const
+qreal TableView::heightOfRow(const IndexPath &path)
 {
-    const qreal asked = m_delegate ? m_delegate->heightForRow(const_cast<TableView *>(this), path) : -1;
+    const qreal asked = m_delegate ? m_delegate->heightForRow(this, path) : -1;
     return asked < 0 ? m_rowHeight : asked;
 }
 

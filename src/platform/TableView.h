@@ -126,7 +126,7 @@ private:
         QPointer<TableViewCell> cell;
     };
 
-    qreal heightOfRow(const IndexPath &path) const;
+    qreal heightOfRow(const IndexPath &path);
     qreal footerHeight() const;
     qreal maxOffset() const;
     void ensureLoaded();
