@@ -70,18 +70,18 @@ void TableView::setRowHeight(qreal height)
 
 void TableView::registerCell(const QString &reuseIdentifier, TableCellPool::Factory factory)
 {
-    m_pool.registerFactory(reuseIdentifier, std::move(factory));
+    m_cells.pool().registerFactory(reuseIdentifier, std::move(factory));
 }
 
 TableViewCell *TableView::dequeueReusableCell(const QString &reuseIdentifier)
 {
-    return m_pool.take(reuseIdentifier);
+    return m_cells.pool().take(reuseIdentifier);
 }
 
 void TableView::reloadData()
 {
     m_needsReload = false;
-    recycleAll();
+    m_cells.recycleAll();
     std::vector<qreal> headers;
     std::vector<int> counts;
     const int sections = m_dataSource ? std::max(m_dataSource->numberOfSections(this), 0) : 0;
@@ -101,7 +101,7 @@ void TableView::reloadRows(const QList<IndexPath> &paths)
         if (!m_geometry.contains(path))
             continue;
         m_geometry.setRowHeight(path, heightOfRow(path));
-        recycleRow(path);
+        m_cells.recycle(path);
     }
     relayout();
 }
@@ -115,7 +115,7 @@ void TableView::insertRows(const QList<IndexPath> &paths)
     for (const IndexPath &path : std::as_const(sorted)) {
         if (!path.isValid() || path.section >= numberOfSections() || path.row > numberOfRows(path.section))
             continue;
-        shiftLiveRows(path, 1);
+        m_cells.shift(path, 1);
         m_geometry.insertRow(path, heightOfRow(path));
     }
     relayout();
@@ -130,8 +130,8 @@ void TableView::deleteRows(const QList<IndexPath> &paths)
     for (const IndexPath &path : std::as_const(sorted)) {
         if (!m_geometry.contains(path))
             continue;
-        recycleRow(path);
-        shiftLiveRows({ path.section, path.row + 1 }, -1);
+        m_cells.recycle(path);
+        m_cells.shift({ path.section, path.row + 1 }, -1);
         m_geometry.removeRow(path);
     }
     relayout();
@@ -149,33 +149,22 @@ int TableView::numberOfRows(int section) const
 
 TableViewCell *TableView::cellForRow(const IndexPath &path) const
 {
-    const auto live = m_live.find(path);
-    return live == m_live.end() ? nullptr : live->second;
+    return m_cells.cell(path);
 }
 
 IndexPath TableView::indexPathForCell(const TableViewCell *cell) const
 {
-    for (const auto &[path, live] : m_live) {
-        if (live == cell)
-            return path;
-    }
-    return {};
+    return m_cells.pathOf(cell);
 }
 
 QList<TableViewCell *> TableView::visibleCells() const
 {
-    QList<TableViewCell *> cells;
-    for (const auto &[path, cell] : m_live)
-        cells.append(cell);
-    return cells;
+    return m_cells.cells();
 }
 
 QList<IndexPath> TableView::indexPathsForVisibleRows() const
 {
-    QList<IndexPath> paths;
-    for (const auto &[path, cell] : m_live)
-        paths.append(path);
-    return paths;
+    return m_cells.paths();
 }
 
 QRectF TableView::rectForRow(const IndexPath &path) const
@@ -394,15 +383,10 @@ void TableView::layoutRows()
     m_inLayout = true;
     const std::vector<TableRowGeometry::RowSpan> spans
         = m_geometry.rowsBetween(m_offsetY, m_offsetY + viewport()->height(), ExtraRows);
-    std::map<IndexPath, TableViewCell *> kept;
-    for (const TableRowGeometry::RowSpan &span : spans) {
-        if (const auto live = m_live.find(span.path); live != m_live.end()) {
-            kept.insert(*live);
-            m_live.erase(live);
-        }
-    }
-    recycleAll();
-    m_live = std::move(kept);
+    std::vector<IndexPath> paths;
+    for (const TableRowGeometry::RowSpan &span : spans)
+        paths.push_back(span.path);
+    m_cells.keepOnly(paths);
     for (const TableRowGeometry::RowSpan &span : spans) {
         TableViewCell *cell = cellForRow(span.path);
         if (!cell)
@@ -425,7 +409,7 @@ TableViewCell *TableView::adoptCell(const IndexPath &path)
         cell->setParent(viewport());
         cell->installEventFilter(this);
     }
-    m_live[path] = cell;
+    m_cells.insert(path, cell);
     return cell;
 }
 
@@ -438,40 +422,6 @@ void TableView::placeCell(TableViewCell *cell, const TableRowGeometry::RowSpan &
     cell->setSeparatorColor(m_separatorStyle == SeparatorStyle::SingleLine ? m_separatorColor : QColor());
     if (cell->isHidden())
         cell->show();
-}
-
-void TableView::recycle(TableViewCell *cell)
-{
-    if (m_press.cell == cell)
-        m_press.cell = nullptr;
-    m_pool.put(cell);
-}
-
-void TableView::recycleRow(const IndexPath &path)
-{
-    if (const auto live = m_live.find(path); live != m_live.end()) {
-        recycle(live->second);
-        m_live.erase(live);
-    }
-}
-
-void TableView::recycleAll()
-{
-    // Bottom rows first: the pool hands out the last cell it took, so after a reload the top
-    // rows get back the cells they had.
-    for (auto live = m_live.rbegin(); live != m_live.rend(); ++live)
-        recycle(live->second);
-    m_live.clear();
-}
-
-void TableView::shiftLiveRows(const IndexPath &from, int by)
-{
-    std::map<IndexPath, TableViewCell *> shifted;
-    for (const auto &[path, cell] : m_live) {
-        const bool moves = path.section == from.section && path.row >= from.row;
-        shifted[moves ? IndexPath { path.section, path.row + by } : path] = cell;
-    }
-    m_live = std::move(shifted);
 }
 
 void TableView::syncScrollBar()

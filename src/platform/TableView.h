@@ -8,14 +8,13 @@
 
 #include "platform/IndexPath.h"
 #include "platform/TableCellPool.h"
+#include "platform/TableLiveCells.h"
 #include "platform/TableRowGeometry.h"
 
 #include <QAbstractScrollArea>
 #include <QColor>
 #include <QList>
 #include <QPointer>
-
-#include <map>
 
 namespace platform {
 
@@ -138,18 +137,13 @@ private:
     void layoutRows();
     TableViewCell *adoptCell(const IndexPath &path);
     void placeCell(TableViewCell *cell, const TableRowGeometry::RowSpan &span);
-    void recycle(TableViewCell *cell);
-    void recycleRow(const IndexPath &path);
-    void recycleAll();
-    void shiftLiveRows(const IndexPath &from, int by);
     void syncScrollBar();
     bool handlePointer(TableViewCell *cell, QMouseEvent *event);
 
     TableViewDataSource *m_dataSource = nullptr;
     TableViewDelegate *m_delegate = nullptr;
     TableRowGeometry m_geometry;
-    TableCellPool m_pool;
-    std::map<IndexPath, TableViewCell *> m_live;
+    TableLiveCells m_cells;
     QPointer<QWidget> m_footer;
     qreal m_rowHeight = DefaultRowHeight;
     qreal m_offsetY = 0;
