@@ -1,0 +1,338 @@
+// The table view: which rows live as widgets and where they stand, how cells come back for
+// other rows, and how the table scrolls, is kept from scrolling, and follows row changes.
+#include "platform/ManualClock.h"
+#include "platform/SystemFont.h"
+#include "platform/TableView.h"
+#include "platform/TableViewCell.h"
+#include "platform/TableViewDataSource.h"
+#include "platform/TableViewDelegate.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLabel>
+#include <QTest>
+#include <QWheelEvent>
+
+#include <numeric>
+
+using platform::IndexPath;
+using platform::TableView;
+using platform::TableViewCell;
+
+namespace {
+
+constexpr int Width = 375;
+constexpr int Height = 812;
+constexpr qreal RowHeight = 50;
+
+class LabelCell : public TableViewCell
+{
+public:
+    using TableViewCell::TableViewCell;
+    QLabel *label = new QLabel(contentView());
+    int reuses = 0;
+    void prepareForReuse() override
+    {
+        TableViewCell::prepareForReuse();
+        ++reuses;
+        label->clear();
+    }
+};
+
+// One section of rows whose heights the test sets; counts what the table asks for.
+class Rows : public platform::TableViewDataSource, public platform::TableViewDelegate
+{
+public:
+    explicit Rows(int count, qreal height = RowHeight)
+        : heights(count, height)
+    {
+    }
+    QList<qreal> heights;
+    int cellRequests = 0;
+    QList<IndexPath> selected;
+
+    int numberOfRows(TableView *, int) const override { return int(heights.size()); }
+    TableViewCell *cellForRow(TableView *table, const IndexPath &path) override
+    {
+        ++cellRequests;
+        auto *cell = static_cast<LabelCell *>(table->dequeueReusableCell(QStringLiteral("text")));
+        cell->label->setText(QString::number(path.row));
+        return cell;
+    }
+    qreal heightForRow(TableView *, const IndexPath &path) override { return heights.at(path.row); }
+    void didSelectRow(TableView *, const IndexPath &path) override { selected.append(path); }
+};
+
+struct Table
+{
+    explicit Table(Rows &rows)
+    {
+        view.resize(Width, Height);
+        view.registerCell<LabelCell>(QStringLiteral("text"));
+        view.setDataSource(&rows);
+        view.setDelegate(&rows);
+        view.show();
+    }
+    TableView view;
+
+    QList<int> liveRows() const
+    {
+        QList<int> rows;
+        for (const IndexPath &path : view.indexPathsForVisibleRows())
+            rows.append(path.row);
+        return rows;
+    }
+    int shownCellWidgets() const
+    {
+        const QList<TableViewCell *> cells = view.viewport()->findChildren<TableViewCell *>();
+        return int(std::count_if(cells.begin(), cells.end(), [](TableViewCell *c) { return !c->isHidden(); }));
+    }
+    int top(int row) const { return view.cellForRow({ 0, row })->geometry().top(); }
+    QString text(int row) const { return static_cast<LabelCell *>(view.cellForRow({ 0, row }))->label->text(); }
+};
+
+QList<int> range(int first, int last)
+{
+    QList<int> rows;
+    for (int row = first; row <= last; ++row)
+        rows.append(row);
+    return rows;
+}
+
+} // namespace
+
+class TestTableView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { platform::SystemFont::install(); }
+
+    void onlyRowsOnScreenLive_data()
+    {
+        QTest::addColumn<qreal>("offset");
+        QTest::addColumn<int>("firstRow");
+        QTest::addColumn<int>("lastRow");
+        // 812 points show 17 rows of 50 (16 whole and a sliver); one more lives on either side.
+        QTest::newRow("top") << 0.0 << 0 << 17;
+        QTest::newRow("middle, rows aligned") << 250000.0 << 4999 << 5017;
+        QTest::newRow("middle, between rows") << 250025.0 << 4999 << 5017;
+        QTest::newRow("past the end stops at the last row") << 1e9 << 9982 << 9999;
+    }
+
+    void onlyRowsOnScreenLive()
+    {
+        QFETCH(qreal, offset);
+        QFETCH(int, firstRow);
+        QFETCH(int, lastRow);
+        Rows rows(10000);
+        Table table(rows);
+        table.view.setContentOffset({ 0, offset });
+        QCOMPARE(table.liveRows(), range(firstRow, lastRow));
+        QCOMPARE(table.shownCellWidgets(), lastRow - firstRow + 1);
+        QCOMPARE(table.text(firstRow + 1), QString::number(firstRow + 1));
+        const qreal expectedOffset = std::min(offset, 10000 * RowHeight - Height);
+        QCOMPARE(table.top(firstRow + 1), qRound((firstRow + 1) * RowHeight - expectedOffset));
+    }
+
+    void scrollingRecyclesCells()
+    {
+        Rows rows(10000);
+        Table table(rows);
+        const QList<TableViewCell *> firstScreen = table.view.visibleCells();
+        table.view.setContentOffset({ 0, 5 * Height });
+        for (TableViewCell *cell : firstScreen)
+            QVERIFY(table.view.visibleCells().contains(cell));
+        // Frame by frame through every row: the widgets stay the ones made for the first screen.
+        for (qreal y = 0; y < 10000 * RowHeight; y += 37)
+            table.view.setContentOffset({ 0, y });
+        // At most 18 rows of 50 meet 812 points, and one more lives on either side.
+        QCOMPARE(table.view.viewport()->findChildren<TableViewCell *>().size(), 20);
+        auto *last = static_cast<LabelCell *>(table.view.cellForRow({ 0, 9999 }));
+        QVERIFY(last->reuses > 0);
+        QCOMPARE(last->label->text(), QStringLiteral("9999"));
+        // A reload hands every visible row the cell it had.
+        const QList<TableViewCell *> before = table.view.visibleCells();
+        table.view.reloadData();
+        QCOMPARE(table.view.visibleCells(), before);
+    }
+
+    void perRowHeightsAndContentSize()
+    {
+        Rows rows(1000);
+        for (int row = 0; row < rows.heights.size(); ++row)
+            rows.heights[row] = 20 + row % 7 * 10.5;
+        Table table(rows);
+        auto *footer = new QWidget;
+        footer->setFixedHeight(40);
+        table.view.setTableFooterView(footer);
+        const qreal sum = std::accumulate(rows.heights.begin(), rows.heights.end(), 0.0);
+        QCOMPARE(table.view.contentSize(), QSizeF(Width, sum + 40));
+        QCOMPARE(table.view.rectForRow({ 0, 600 }).top(),
+            std::accumulate(rows.heights.begin(), rows.heights.begin() + 600, 0.0));
+        table.view.setContentOffset({ 0, table.view.rectForRow({ 0, 600 }).top() + 1.25 });
+        QCOMPARE(table.liveRows().at(1), 600);
+        // Half-point heights at a fractional offset: neighbouring rows still meet, no gap, no overlap.
+        const QList<TableViewCell *> cells = table.view.visibleCells();
+        for (int i = 1; i < cells.size(); ++i)
+            QCOMPARE(cells.at(i)->geometry().top(), cells.at(i - 1)->geometry().bottom() + 1);
+        table.view.setContentOffset({ 0, 1e9 });
+        QCOMPARE(footer->geometry(), QRect(0, Height - 40, Width, 40));
+        // An empty footer exists but takes no room.
+        table.view.setTableFooterView(new QWidget);
+        QCOMPARE(table.view.contentSize().height(), sum);
+    }
+
+    void insertingAndDeletingRows()
+    {
+        Rows rows(5);
+        Table table(rows);
+        const QList<TableViewCell *> before = table.view.visibleCells();
+        rows.heights.insert(2, 80);
+        table.view.insertRows({ { 0, 2 } });
+        QCOMPARE(table.view.numberOfRows(0), 6);
+        QCOMPARE(table.view.contentSize().height(), 5 * RowHeight + 80);
+        QCOMPARE(table.view.cellForRow({ 0, 1 }), before.at(1));
+        QCOMPARE(table.view.cellForRow({ 0, 3 }), before.at(2));
+        QCOMPARE(table.top(3), 2 * 50 + 80);
+        QVERIFY(!before.contains(table.view.cellForRow({ 0, 2 })));
+        rows.heights.remove(0, 2);
+        table.view.deleteRows({ { 0, 0 }, { 0, 1 } });
+        QCOMPARE(table.liveRows(), range(0, 3));
+        QCOMPARE(table.view.cellForRow({ 0, 1 }), before.at(2));
+        QCOMPARE(table.top(1), 80);
+    }
+
+    void scrollToRow_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<TableView::ScrollPosition>("position");
+        QTest::addColumn<qreal>("offset");
+        const qreal bottomOf30 = 31 * RowHeight - Height;
+        QTest::newRow("bottom") << 30 << TableView::ScrollPosition::Bottom << bottomOf30;
+        QTest::newRow("top") << 30 << TableView::ScrollPosition::Top << 30 * RowHeight;
+        QTest::newRow("middle") << 30 << TableView::ScrollPosition::Middle << 30.5 * RowHeight - Height / 2;
+        QTest::newRow("only as far as needed") << 30 << TableView::ScrollPosition::None << bottomOf30;
+        QTest::newRow("already shown stays") << 3 << TableView::ScrollPosition::None << 0.0;
+        QTest::newRow("bottom of a top row is clamped") << 1 << TableView::ScrollPosition::Bottom << 0.0;
+        QTest::newRow("top of the last row is clamped")
+            << 99 << TableView::ScrollPosition::Top << 100 * RowHeight - Height;
+    }
+
+    void scrollToRow()
+    {
+        QFETCH(int, row);
+        QFETCH(TableView::ScrollPosition, position);
+        QFETCH(qreal, offset);
+        platform::ManualClock clock;
+        Rows rows(100);
+        Table table(rows);
+        table.view.scrollToRow({ 0, row }, position, true);
+        clock.advance(TableView::ScrollAnimationMs / 2);
+        const qreal halfway = table.view.contentOffset().y();
+        QVERIFY(offset == 0 ? halfway == 0 : halfway > 0 && halfway < offset);
+        clock.advance(TableView::ScrollAnimationMs / 2);
+        QCOMPARE(table.view.contentOffset().y(), offset);
+        QCOMPARE(clock.pendingTasks(), 0);
+        if (position == TableView::ScrollPosition::Bottom && offset > 0)
+            QCOMPARE(table.view.cellForRow({ 0, row })->geometry().bottom() + 1, Height);
+    }
+
+    void userScrolling_data()
+    {
+        QTest::addColumn<bool>("enabled");
+        QTest::addRow("enabled") << true;
+        QTest::addRow("disabled") << false;
+    }
+
+    void userScrolling()
+    {
+        QFETCH(bool, enabled);
+        Rows rows(100);
+        Table table(rows);
+        TableView *view = &table.view;
+        view->setScrollEnabled(enabled);
+        // A wheel turn the table does not take goes on to its parent (the chat list a card sits in).
+        QWheelEvent turn(
+            { 10, 10 }, view->mapToGlobal(QPoint(10, 10)), {}, { 0, -240 }, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(view->viewport(), &turn);
+        QCOMPARE(view->contentOffset().y(), enabled ? 120.0 : 0.0);
+        QCOMPARE(turn.isAccepted(), enabled);
+        view->setContentOffset({});
+        QLabel *label = static_cast<LabelCell *>(view->cellForRow({ 0, 2 }))->label;
+        QTest::mousePress(label, Qt::LeftButton, {}, { 5, 5 });
+        QTest::mouseMove(label, { 5, -95 });
+        QTest::mouseRelease(label, Qt::LeftButton, {}, { 5, -95 });
+        QCOMPARE(view->contentOffset().y(), enabled ? 100.0 : 0.0);
+        // A drag is not a tap; a tap selects its row, whether or not the table scrolls.
+        QCOMPARE(rows.selected.size(), enabled ? 0 : 1);
+        QTest::mouseClick(view->cellForRow({ 0, 4 }), Qt::LeftButton);
+        QCOMPARE(rows.selected.last(), (IndexPath { 0, 4 }));
+    }
+
+    void reloadedRowMovesOnlyRowsBelow()
+    {
+        Rows rows(30);
+        Table table(rows);
+        table.view.setContentOffset({ 0, 100 });
+        const QList<TableViewCell *> before = table.view.visibleCells();
+        const QList<int> tops = { table.top(2), table.top(6), table.top(7) };
+        const int requests = rows.cellRequests;
+        rows.heights[6] = 95;
+        table.view.reloadRows({ { 0, 6 } });
+        QCOMPARE(rows.cellRequests, requests + 1);
+        QCOMPARE(table.view.cellForRow({ 0, 2 }), before.at(1));
+        QCOMPARE(table.view.cellForRow({ 0, 7 }), before.at(6));
+        QCOMPARE(table.top(2), tops.at(0));
+        QCOMPARE(table.top(6), tops.at(1));
+        QCOMPARE(table.view.cellForRow({ 0, 6 })->height(), 95);
+        QCOMPARE(table.top(7), tops.at(2) + 45);
+        QCOMPARE(table.view.contentSize().height(), 30 * RowHeight + 45);
+        QCOMPARE(table.liveRows(), range(1, 18));
+    }
+
+    // Two sections on a grouped background, white rows with separators, every other row with a
+    // disclosure indicator; saved beside the test program for a person to look at.
+    void picture()
+    {
+        class Settings : public Rows
+        {
+        public:
+            using Rows::Rows;
+            int numberOfSections(TableView *) const override { return 2; }
+            qreal heightForHeader(TableView *, int section) override { return section == 0 ? 0 : 24; }
+            TableViewCell *cellForRow(TableView *table, const IndexPath &path) override
+            {
+                auto *cell = static_cast<LabelCell *>(Rows::cellForRow(table, path));
+                cell->label->setText(QStringLiteral("Row %1 of section %2").arg(path.row).arg(path.section));
+                cell->label->setFont(platform::SystemFont::regular(16));
+                cell->label->setGeometry(16, 0, 300, int(RowHeight));
+                cell->setBackgroundColor(Qt::white);
+                cell->setAccessoryType(path.row % 2 ? TableViewCell::AccessoryType::DisclosureIndicator
+                                                    : TableViewCell::AccessoryType::None);
+                return cell;
+            }
+        } rows(3);
+        Table table(rows);
+        const QColor grouped(0xF2, 0xF2, 0xF7);
+        table.view.setBackgroundColor(grouped);
+        table.view.setSeparatorStyle(TableView::SeparatorStyle::SingleLine);
+        table.view.setTableFooterView(new QWidget);
+        const QImage image = table.view.grab().toImage();
+        QVERIFY(image.save(QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("tableview.png"))));
+        const int bottomOfRow0 = int(RowHeight) - 1;
+        QCOMPARE(image.pixelColor(200, bottomOfRow0), table.view.separatorColor());
+        QCOMPARE(image.pixelColor(8, bottomOfRow0), QColor(Qt::white)); // separators are inset
+        QCOMPARE(image.pixelColor(200, int(3 * RowHeight) + 12), grouped); // the second header
+        QCOMPARE(image.pixelColor(200, int(7 * RowHeight)), grouped); // below the last row
+        const auto chevronShown = [&](int row) {
+            const int middle = int(row * RowHeight + RowHeight / 2);
+            return image.pixelColor(Width - 16 - 1, middle) != QColor(Qt::white);
+        };
+        QVERIFY(chevronShown(1));
+        QVERIFY(!chevronShown(2));
+    }
+};
+
+QTEST_MAIN(TestTableView)
+#include "tst_tableview.moc"
