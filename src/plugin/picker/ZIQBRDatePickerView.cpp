@@ -139,6 +139,10 @@ void ZIQBRDatePickerView::reloadViews()
         if (style.selectRowTextFont())
             wheel->setSelectedTextFont(*style.selectRowTextFont());
         wheel->setSeparator(style.separatorColor(), style.separatorHeight());
+        Qt::Edges bandEdges;
+        bandEdges.setFlag(Qt::LeftEdge, component == 0);
+        bandEdges.setFlag(Qt::RightEdge, component == m_columns.size() - 1);
+        wheel->setBandEdges(bandEdges);
         m_content->layout()->addWidget(wheel);
         m_wheels.append(wheel);
         connect(wheel, &platform::WheelColumn::userSelectedRow, this,
