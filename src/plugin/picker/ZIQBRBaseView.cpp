@@ -309,6 +309,7 @@ void ZIQBRBaseView::onCancel()
     dismiss();
     if (m_cancelBlock)
         m_cancelBlock();
+    Q_EMIT cancelled();
 }
 
 void ZIQBRBaseView::onDone()
