@@ -13,6 +13,13 @@
 
 #include <algorithm>
 
+namespace {
+
+/// Room beside a column's widest row, in points.
+constexpr int ColumnPadding = 24;
+
+} // namespace
+
 ZIQBRDatePickerView::ZIQBRDatePickerView(QWidget *parent)
     : ZIQBRDatePickerView(ZIQBRDatePickerMode::Date, parent)
 {
@@ -117,7 +124,13 @@ void ZIQBRDatePickerView::reloadViews()
     const QList<Field> columns = m_model.columns();
     for (int component = 0; component < columns.size(); ++component) {
         platform::WheelColumn *wheel = makeWheel(component);
-        m_content->layout()->addWidget(wheel);
+        // Columns share the width as their widest rows need it, so that a year with its unit
+        // is not squeezed while a minute has room to spare.
+        const QFontMetrics metrics(pickerStyle().pickerTextFont());
+        int widest = 0;
+        for (const QString &row : m_model.rowTexts(columns.at(component)))
+            widest = std::max(widest, metrics.horizontalAdvance(row));
+        static_cast<QHBoxLayout *>(m_content->layout())->addWidget(wheel, widest + ColumnPadding);
         m_wheels.append(wheel);
         if (m_model.showUnitType() == 1) {
             const ZIQBRPickerStyle &style = pickerStyle();
