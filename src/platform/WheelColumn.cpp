@@ -18,6 +18,12 @@ namespace {
 
 constexpr int TextMargin = 4;
 constexpr qreal DragThreshold = 4;
+constexpr qreal HairlinePoints = 0.5;
+constexpr qreal BandInset = 8;
+constexpr qreal BandRadius = 8;
+constexpr qreal BandTint = 0.06;
+constexpr qreal FadeAtEdge = 0.85;
+constexpr qreal ShrinkAtEdge = 0.3;
 
 } // namespace
 
@@ -85,6 +91,12 @@ void WheelColumn::setSelectedRowColor(const QColor &color)
     update();
 }
 
+void WheelColumn::setBandEdges(Qt::Edges edges)
+{
+    m_bandEdges = edges;
+    update();
+}
+
 void WheelColumn::setSeparator(const QColor &color, qreal height)
 {
     m_separatorColor = color;
@@ -112,34 +124,83 @@ QFont WheelColumn::fittedFont(const QFont &font, const QString &text, int width)
 void WheelColumn::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    const QRectF band = selectedRowRect();
+    paintBand(painter, band);
+    paintRows(painter);
+    paintSeparators(painter, band);
+}
+
+QRectF WheelColumn::selectedRowRect() const
+{
+    return QRectF(0, height() / 2.0 - m_rowHeight / 2.0, width(), m_rowHeight);
+}
+
+void WheelColumn::paintBand(QPainter &painter, const QRectF &band) const
+{
+    QColor color = m_selectedRowColor;
+    if (!color.isValid()) {
+        color = m_textColor;
+        color.setAlphaF(color.alphaF() * BandTint);
+    }
+    // The band's rounded ends sit inside the wheels' outer edges; between two wheels it runs on
+    // unbroken, so that a row of wheels shows one band.
+    const qreal left = m_bandEdges & Qt::LeftEdge ? BandInset : -BandRadius;
+    const qreal right = m_bandEdges & Qt::RightEdge ? width() - BandInset : width() + BandRadius;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.setClipRect(rect());
+    painter.drawRoundedRect(QRectF(left, band.top(), right - left, band.height()), BandRadius, BandRadius);
+    painter.restore();
+}
+
+void WheelColumn::paintRows(QPainter &painter) const
+{
+    painter.save();
     painter.setRenderHint(QPainter::TextAntialiasing);
     const qreal centre = height() / 2.0;
-    const QRectF selectedRect(0, centre - m_rowHeight / 2.0, width(), m_rowHeight);
-    if (m_selectedRowColor.isValid())
-        painter.fillRect(selectedRect, m_selectedRowColor);
-
+    const qreal halfHeight = std::max(centre, 1.0);
     const int selected = clampRow(qRound(m_position));
     const int reach = height() / (2 * m_rowHeight) + 2;
     const int first = std::max(0, static_cast<int>(std::floor(m_position)) - reach);
     const int last = std::min(static_cast<int>(m_rows.size()) - 1, static_cast<int>(std::ceil(m_position)) + reach);
     for (int row = first; row <= last; ++row) {
-        const qreal distance = row - m_position;
-        const QRectF rect(0, centre + distance * m_rowHeight - m_rowHeight / 2.0, width(), m_rowHeight);
+        const qreal offset = (row - m_position) * m_rowHeight;
+        // How far the row has turned away from the viewer, 0 on the centre line, 1 at the edge:
+        // rows fade and flatten as on a drum seen from the front.
+        const qreal turn = std::min(std::abs(offset) / halfHeight, 1.0);
         const bool isSelected = row == selected;
         const QFont &base = isSelected && m_selectedFont != QFont() ? m_selectedFont : m_font;
         QColor color = isSelected && m_selectedTextColor.isValid() ? m_selectedTextColor : m_textColor;
-        // Rows fade as they turn away from the centre line, as on a physical wheel.
-        color.setAlphaF(color.alphaF() * std::max(0.3, 1.0 - 0.22 * std::abs(distance)));
+        color.setAlphaF(color.alphaF() * (1.0 - FadeAtEdge * std::pow(turn, 0.8)));
+        painter.setTransform(QTransform::fromTranslate(width() / 2.0, centre + offset)
+                .scale(1.0 - ShrinkAtEdge * turn / 3, 1.0 - ShrinkAtEdge * turn));
         painter.setFont(fittedFont(base, m_rows.at(row), width()));
         painter.setPen(color);
-        painter.drawText(rect, Qt::AlignCenter, m_rows.at(row));
+        painter.drawText(QRectF(-width() / 2.0, -m_rowHeight / 2.0, width(), m_rowHeight), Qt::AlignCenter,
+            m_rows.at(row));
     }
+    painter.restore();
+}
 
-    if (m_separatorColor.isValid()) {
-        const qreal line = m_separatorHeight > 0 ? m_separatorHeight : 0.5;
-        painter.fillRect(QRectF(0, selectedRect.top() - line / 2, width(), line), m_separatorColor);
-        painter.fillRect(QRectF(0, selectedRect.bottom() - line / 2, width(), line), m_separatorColor);
+void WheelColumn::paintSeparators(QPainter &painter, const QRectF &band) const
+{
+    if (!m_separatorColor.isValid())
+        return;
+    // Whole device pixels: a half-pixel line drawn without anti-aliasing lands on no pixel at some
+    // row heights and scales, and with anti-aliasing it blurs over two.
+    // The painter's own scale, not the widget's: grabs and renders may paint at another ratio.
+    const qreal ratio = std::max(painter.deviceTransform().m22(), 1e-3);
+    const qreal points = m_separatorHeight > 0 ? m_separatorHeight : HairlinePoints;
+    const int thickness = std::max(1, qRound(points * ratio));
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (const qreal edge : { band.top(), band.bottom() }) {
+        const int top = qRound(edge * ratio - thickness / 2.0);
+        painter.fillRect(QRectF(0, top / ratio, width(), thickness / ratio), m_separatorColor);
     }
+    painter.restore();
 }
 
 void WheelColumn::mousePressEvent(QMouseEvent *event)
@@ -173,7 +234,7 @@ void WheelColumn::mouseReleaseEvent(QMouseEvent *event)
         return QWidget::mouseReleaseEvent(event);
     m_pressed = false;
     // A drag settles on the row nearest the centre line; a tap turns the tapped row to it.
-    selectByUser(m_dragged ? qRound(m_position) : rowAt(event->position().y()));
+    selectByUser(m_dragged ? settledRow() : rowAt(event->position().y()));
 }
 
 void WheelColumn::wheelEvent(QWheelEvent *event)
@@ -215,6 +276,14 @@ int WheelColumn::clampRow(int row) const
 int WheelColumn::rowAt(qreal y) const
 {
     return clampRow(qRound(m_position + (y - height() / 2.0) / m_rowHeight));
+}
+
+int WheelColumn::settledRow() const
+{
+    // The nearest row; a wheel left exactly halfway has not passed the middle and turns back.
+    const qreal offset = m_position - m_currentRow;
+    const int steps = static_cast<int>(std::ceil(std::abs(offset) - 0.5));
+    return clampRow(m_currentRow + (offset < 0 ? -steps : steps));
 }
 
 void WheelColumn::scrollTo(int row, bool animated)

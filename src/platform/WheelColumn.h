@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QWidget>
 
+class QPainter;
 class QVariantAnimation;
 
 namespace platform {
@@ -33,11 +34,16 @@ public:
     void setRowHeight(int height);
     void setTextFont(const QFont &font);
     void setTextColor(const QColor &color);
-    /// Font, text colour and background of the selected row; invalid values fall back to the others.
+    /// Font and text colour of the selected row; invalid values fall back to the others.
     void setSelectedTextFont(const QFont &font);
     void setSelectedTextColor(const QColor &color);
+    /// The rounded band behind the selected row; invalid draws a faint tint of the text colour.
     void setSelectedRowColor(const QColor &color);
-    /// The two lines around the selected row; a height of 0 or less draws hairlines.
+    /// Which ends of the band this column rounds off. Wheels standing side by side share one band:
+    /// the first rounds its left end, the last its right end, those between neither.
+    void setBandEdges(Qt::Edges edges);
+    /// The two lines around the selected row, in points; a height of 0 or less draws hairlines.
+    /// Lines are snapped to device pixels and never thinner than one.
     void setSeparator(const QColor &color, qreal height);
 
     /// `font` made smaller until `text` fits `width`, but never below half its size.
@@ -58,8 +64,13 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    QRectF selectedRowRect() const;
+    void paintBand(QPainter &painter, const QRectF &band) const;
+    void paintRows(QPainter &painter) const;
+    void paintSeparators(QPainter &painter, const QRectF &band) const;
     int clampRow(int row) const;
     int rowAt(qreal y) const;
+    int settledRow() const;
     void scrollTo(int row, bool animated);
     void selectByUser(int row);
     void setScrollPosition(qreal position);
@@ -73,6 +84,7 @@ private:
     QColor m_textColor = Qt::black;
     QColor m_selectedTextColor;
     QColor m_selectedRowColor;
+    Qt::Edges m_bandEdges = Qt::LeftEdge | Qt::RightEdge;
     QColor m_separatorColor;
     qreal m_separatorHeight = 0;
     QVariantAnimation *m_animation;

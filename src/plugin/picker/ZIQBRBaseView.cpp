@@ -4,6 +4,7 @@
 #include "platform/MainQueue.h"
 
 #include <QApplication>
+#include <QFontMetricsF>
 #include <QGraphicsOpacityEffect>
 #include <QKeyEvent>
 #include <QLabel>
@@ -52,6 +53,24 @@ void styleButton(QPushButton *button, const QString &title, const QColor &backgr
                                          "padding: 0; }")
                               .arg(css(background), css(textColor), borderCss)
                               .arg(corner));
+}
+
+/// Where a line of `font` centred in a box `height` high rests its baseline, from the box's top.
+qreal centredBaseline(const QFont &font, qreal height)
+{
+    const QFontMetricsF metrics(font);
+    return (height - metrics.height()) / 2 + metrics.ascent();
+}
+
+/// The title's frame moved onto the baseline of Cancel's title: texts of different sizes, each
+/// centred in its own box, would otherwise rest a pixel apart.
+QRect titleOnButtonBaseline(const ZIQBRPickerStyle &style, qreal width)
+{
+    const QRectF frame = style.titleLabelFrame(width);
+    const QRectF button = style.cancelBtnFrame();
+    const qreal buttonBaseline = button.top() + centredBaseline(style.cancelTextFont(), button.height());
+    const qreal titleBaseline = frame.top() + centredBaseline(style.titleTextFont(), frame.height());
+    return frame.toRect().translated(0, qRound(buttonBaseline) - qRound(titleBaseline));
 }
 
 } // namespace
@@ -235,7 +254,8 @@ void ZIQBRBaseView::layoutSheet()
     }
 
     m_alertView->resize(w, qRound(panelHeight()));
-    fill(m_alertView, style.alertViewColor());
+    // Below the picker, the padding over the home indicator continues the picker's colour.
+    fill(m_alertView, style.alertViewColor().isValid() ? style.alertViewColor() : style.pickerColor());
     const qreal radius = style.topCornerRadius();
     if (radius > 0) {
         QPainterPath path;
@@ -263,7 +283,7 @@ void ZIQBRBaseView::styleTitleBar(qreal width)
     styleButton(m_doneBtn, style.doneBtnTitle(), style.doneColor(), style.doneTextColor(), style.doneTextFont(),
         style.doneBorderStyle(), style.doneCornerRadius(), style.doneBorderWidth(), style.doneBtnImage());
     m_doneBtn->setVisible(!style.hiddenDoneBtn());
-    m_titleLabel->setGeometry(style.titleLabelFrame(width).toRect());
+    m_titleLabel->setGeometry(titleOnButtonBaseline(style, width));
     m_titleLabel->setText(m_title);
     m_titleLabel->setFont(style.titleTextFont());
     m_titleLabel->setStyleSheet(QStringLiteral("QLabel { background: %1; color: %2; }")
@@ -309,6 +329,7 @@ void ZIQBRBaseView::onCancel()
     dismiss();
     if (m_cancelBlock)
         m_cancelBlock();
+    Q_EMIT cancelled();
 }
 
 void ZIQBRBaseView::onDone()

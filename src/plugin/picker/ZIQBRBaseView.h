@@ -67,6 +67,10 @@ public:
     qreal maskOpacity() const;
     qreal panelHeight() const;
 
+Q_SIGNALS:
+    /// The sheet was closed without a result: Cancel, a tap on the mask or Escape (beside cancelBlock).
+    void cancelled();
+
 protected:
     /// The widget that fills the picker area; none leaves the area empty.
     virtual QWidget *pickerContentView() { return nullptr; }

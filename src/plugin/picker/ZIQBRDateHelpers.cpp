@@ -266,6 +266,10 @@ QDateTime ZIQ_br_dateFromString(
     const UDate date = format->parse(toUnicode(text), position);
     if (position.getIndex() == 0 || position.getErrorIndex() >= 0)
         return QDateTime();
+    // ICU stops at the first character the pattern does not take: a date followed by more words
+    // ("2026-03-15 10:08 tomorrow") is no date; only blanks may follow.
+    if (!QStringView(text).mid(position.getIndex()).trimmed().isEmpty())
+        return QDateTime();
     return fromUDate(date);
 }
 

@@ -65,7 +65,7 @@ int ZIQ_br_getDaysInYear(int year, int month);
 QString ZIQ_br_stringFromDate(const QDateTime &date, const QString &dateFormat, const icu::TimeZone *timeZone = nullptr,
     const QString &language = {});
 /// Parses leniently in `timeZone`, or in currentTimeZone() when none is given; null when the text
-/// does not parse.
+/// does not parse as a whole (trailing blanks aside).
 QDateTime ZIQ_br_dateFromString(const QString &text, const QString &dateFormat, const icu::TimeZone *timeZone = nullptr,
     const QString &language = {});
 

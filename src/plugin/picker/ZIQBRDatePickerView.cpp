@@ -15,12 +15,8 @@
 
 namespace {
 
-// An integer outside the table of modes, cast to a mode, shows the default date picker.
-ZIQBRDatePickerMode knownMode(ZIQBRDatePickerMode mode)
-{
-    const int value = static_cast<int>(mode);
-    return value >= 0 && value <= static_cast<int>(ZIQBRDatePickerMode::MS) ? mode : ZIQBRDatePickerMode::Date;
-}
+/// Room beside a column's widest row, in points.
+constexpr int ColumnPadding = 24;
 
 } // namespace
 
@@ -31,14 +27,11 @@ ZIQBRDatePickerView::ZIQBRDatePickerView(QWidget *parent)
 
 ZIQBRDatePickerView::ZIQBRDatePickerView(ZIQBRDatePickerMode pickerMode, QWidget *parent)
     : ZIQBRBaseView(parent)
-    , m_pickerMode(knownMode(pickerMode))
+    , m_model(pickerMode)
 {
     setObjectName(QStringLiteral("datePickerView"));
-    setupDateFormatter(m_pickerMode);
-    setDoneBlock([this] {
-        if (m_resultBlock)
-            m_resultBlock(m_selectDate, m_selectValue);
-    });
+    syncLanguage();
+    setDoneBlock([this] { reportResult(); });
 }
 
 ZIQBRDatePickerView::~ZIQBRDatePickerView() = default;
@@ -79,17 +72,22 @@ ZIQBRDatePickerView *ZIQBRDatePickerView::ZIQ_showDatePickerWithMode(ZIQBRDatePi
 
 void ZIQBRDatePickerView::setPickerMode(ZIQBRDatePickerMode mode)
 {
-    m_pickerMode = knownMode(mode);
-    setupDateFormatter(m_pickerMode);
+    m_model.setPickerMode(mode);
     if (m_content)
         reloadData();
 }
 
 void ZIQBRDatePickerView::reloadData()
 {
-    setupDateFormatter(m_pickerMode);
-    handlerPickerData();
+    syncLanguage();
+    m_model.reload();
     reloadViews();
+}
+
+void ZIQBRDatePickerView::syncLanguage()
+{
+    if (m_model.language() != pickerStyle().language())
+        m_model.setLanguage(pickerStyle().language());
 }
 
 QWidget *ZIQBRDatePickerView::pickerContentView()
@@ -119,52 +117,73 @@ void ZIQBRDatePickerView::reloadViews()
     m_wheels.clear();
     m_unitLabelArr.clear();
     if (m_platformPicker)
-        m_platformPicker->setVisible(m_style == 0);
-    if (m_style == 0)
+        m_platformPicker->setVisible(m_model.style() == 0);
+    if (m_model.style() == 0)
         return reloadPlatformPicker();
 
-    const ZIQBRPickerStyle &style = pickerStyle();
-    const QMetaEnum fieldNames = QMetaEnum::fromType<Field>();
-    for (int component = 0; component < m_columns.size(); ++component) {
-        const Field field = m_columns.at(component);
-        auto *wheel = new platform::WheelColumn(m_content);
-        const QString name = QString::fromLatin1(fieldNames.valueToKey(field)).toLower();
-        wheel->setObjectName(name + QStringLiteral("Wheel"));
-        wheel->setAccessibleName(name);
-        wheel->setRowHeight(qRound(style.rowHeight()));
-        wheel->setTextFont(style.pickerTextFont());
-        wheel->setTextColor(style.pickerTextColor());
-        wheel->setSelectedRowColor(style.selectRowColor());
-        wheel->setSelectedTextColor(style.selectRowTextColor());
-        if (style.selectRowTextFont())
-            wheel->setSelectedTextFont(*style.selectRowTextFont());
-        wheel->setSeparator(style.separatorColor(), style.separatorHeight());
-        m_content->layout()->addWidget(wheel);
+    const QList<Field> columns = m_model.columns();
+    for (int component = 0; component < columns.size(); ++component) {
+        platform::WheelColumn *wheel = makeWheel(component);
+        // Columns share the width as their widest rows need it, so that a year with its unit
+        // is not squeezed while a minute has room to spare.
+        const QFontMetrics metrics(pickerStyle().pickerTextFont());
+        int widest = 0;
+        for (const QString &row : m_model.rowTexts(columns.at(component)))
+            widest = std::max(widest, metrics.horizontalAdvance(row));
+        static_cast<QHBoxLayout *>(m_content->layout())->addWidget(wheel, widest + ColumnPadding);
         m_wheels.append(wheel);
-        connect(wheel, &platform::WheelColumn::userSelectedRow, this,
-            [this, component](int row) { pickerViewDidSelectRow(row, component); });
-        if (m_showUnitType == 1) {
-            auto *label = new QLabel(unit(field), wheel);
+        if (m_model.showUnitType() == 1) {
+            const ZIQBRPickerStyle &style = pickerStyle();
+            auto *label = new QLabel(m_model.unit(columns.at(component)), wheel);
             label->setFont(style.dateUnitTextFont());
             label->setStyleSheet(QStringLiteral("color: %1; background: transparent;")
                                      .arg(style.dateUnitTextColor().name(QColor::HexArgb)));
             m_unitLabelArr.append(label);
             wheel->installEventFilter(this);
         }
-        reloadWheel(field);
+        reloadWheel(columns.at(component));
     }
+}
+
+platform::WheelColumn *ZIQBRDatePickerView::makeWheel(int component)
+{
+    const ZIQBRPickerStyle &style = pickerStyle();
+    const Field field = m_model.columns().at(component);
+    auto *wheel = new platform::WheelColumn(m_content);
+    const QString name = QString::fromLatin1(QMetaEnum::fromType<Field>().valueToKey(field)).toLower();
+    wheel->setObjectName(name + QStringLiteral("Wheel"));
+    wheel->setAccessibleName(name);
+    wheel->setRowHeight(qRound(style.rowHeight()));
+    wheel->setTextFont(style.pickerTextFont());
+    wheel->setTextColor(style.pickerTextColor());
+    wheel->setSelectedRowColor(style.selectRowColor());
+    wheel->setSelectedTextColor(style.selectRowTextColor());
+    if (style.selectRowTextFont())
+        wheel->setSelectedTextFont(*style.selectRowTextFont());
+    wheel->setSeparator(style.separatorColor(), style.separatorHeight());
+    Qt::Edges bandEdges;
+    bandEdges.setFlag(Qt::LeftEdge, component == 0);
+    bandEdges.setFlag(Qt::RightEdge, component == m_model.columns().size() - 1);
+    wheel->setBandEdges(bandEdges);
+    connect(wheel, &platform::WheelColumn::userSelectedRow, this,
+        [this, component](int row) { pickerViewDidSelectRow(row, component); });
+    return wheel;
 }
 
 void ZIQBRDatePickerView::reloadWheel(Field field, bool animated)
 {
-    const int component = static_cast<int>(m_columns.indexOf(field));
+    const int component = static_cast<int>(m_model.columns().indexOf(field));
     if (component < 0 || component >= m_wheels.size())
         return;
-    QStringList rows;
-    for (int row = 0; row < m_arr[field].size(); ++row)
-        rows.append(rowText(field, row));
-    m_wheels.at(component)->setRows(rows);
-    m_wheels.at(component)->setCurrentRow(m_index[field], animated);
+    m_wheels.at(component)->setRows(m_model.rowTexts(field));
+    m_wheels.at(component)->setCurrentRow(m_model.index(field), animated);
+}
+
+void ZIQBRDatePickerView::syncWheels(bool animated)
+{
+    const QList<Field> columns = m_model.columns();
+    for (int component = 0; component < columns.size() && component < m_wheels.size(); ++component)
+        m_wheels.at(component)->setCurrentRow(m_model.index(columns.at(component)), animated);
 }
 
 bool ZIQBRDatePickerView::eventFilter(QObject *watched, QEvent *event)
@@ -194,89 +213,39 @@ void ZIQBRDatePickerView::layoutUnitLabels()
 
 void ZIQBRDatePickerView::pickerViewDidSelectRow(int row, int component)
 {
-    if (component < 0 || component >= m_columns.size())
+    const QList<Field> columns = m_model.columns();
+    if (component < 0 || component >= columns.size())
         return;
-    const Field field = m_columns.at(component);
-    const QDateTime previousDate = m_selectDate;
-    const QString previousValue = m_selectValue;
-    const bool wasCustomRow = isCustomRowSelected();
-    m_index[field] = row;
-    m_isAdjustSelectRow = false;
-    rebuildLowerColumns(field, previousDate);
-
-    const QList<Field> fields = fieldsInMode();
-    if (isCustomRowSelected()) {
-        m_selectDate
-            = m_addToNow ? QDateTime::fromMSecsSinceEpoch(qint64(platform::MainQueue::now()), Qt::UTC) : QDateTime();
-        m_selectValue = m_arr[fields.first()].at(m_index[fields.first()]);
-        for (Field lower : fields.mid(1)) {
-            m_arr[lower].clear();
-            m_index[lower] = 0;
-            reloadWheel(lower);
-        }
-    }
-    if (std::any_of(fields.begin(), fields.end(), [this](Field f) { return m_arr[f].isEmpty(); }))
+    const QDateTime previousDate = m_model.mSelectDate();
+    const QString previousValue = m_model.mSelectValue();
+    const ZIQBRDatePickerModel::Change change = m_model.selectRow(columns.at(component), row);
+    for (Field field : change.rebuilt)
+        reloadWheel(field);
+    if (!change.complete)
         return;
-    if (!isCustomRowSelected()) {
-        m_selectDate = dateFromSelection();
-        m_selectValue = valueText();
-        if (m_isAdjustSelectRow || wasCustomRow)
-            scrollToSelectDate(m_selectDate, false);
-    }
+    if (change.scrollAll)
+        syncWheels(false);
     if (rollBackIfNotSelectable(previousDate, previousValue))
         return;
     report();
 }
 
-void ZIQBRDatePickerView::rebuildLowerColumns(Field changed, const QDateTime &previous)
-{
-    for (Field lower : fieldsInMode()) {
-        if (lower <= changed)
-            continue;
-        const int old = previous.isValid() ? fieldOf(previous, lower) : 0;
-        m_arr[lower] = columnList(lower);
-        const QStringList &list = m_arr[lower];
-        const bool amPm = lower == Hour && m_pickerMode == ZIQBRDatePickerMode::YMDH && m_isShowAMAndPM;
-        const qsizetype found = amPm ? rowOfValue(lower, old) : list.indexOf(numberText(lower, old));
-        if (found >= 0) {
-            m_index[lower] = static_cast<int>(found);
-        } else {
-            // The old value fell out of the list: go to the end it fell past.
-            const bool pastFirst = !list.isEmpty() && old >= list.first().toInt();
-            m_index[lower] = pastFirst ? static_cast<int>(list.size()) - 1 : 0;
-            m_isAdjustSelectRow = true;
-        }
-        reloadWheel(lower);
-    }
-}
-
 void ZIQBRDatePickerView::scrollToSelectDate(const QDateTime &date, bool animated)
 {
-    if (!date.isValid())
-        return;
-    for (int component = 0; component < m_columns.size(); ++component) {
-        const Field field = m_columns.at(component);
-        m_index[field] = rowOfValue(field, fieldOf(date, field));
-        if (component < m_wheels.size())
-            m_wheels.at(component)->setCurrentRow(m_index[field], animated);
-    }
+    m_model.scrollToSelectDate(date);
+    syncWheels(animated);
 }
 
 bool ZIQBRDatePickerView::rollBackIfNotSelectable(const QDateTime &previousDate, const QString &previousValue)
 {
-    if (!m_selectDate.isValid())
+    if (!m_model.isNonSelectable(m_model.mSelectDate()))
         return false;
-    const bool hit = std::any_of(m_nonSelectableDates.begin(), m_nonSelectableDates.end(),
-        [this](const QDateTime &d) { return br_compareDate(m_selectDate, d, m_dateFormatter) == 0; });
-    if (!hit)
-        return false;
-    const QDateTime rejectedDate = m_selectDate;
-    const QString rejectedValue = m_selectValue;
+    const QDateTime rejectedDate = m_model.mSelectDate();
+    const QString rejectedValue = m_model.mSelectValue();
+    // The wheel that was turned is still settling: turn back once the current event is done.
     platform::MainQueue::async(this, [this, previousDate, previousValue, rejectedDate, rejectedValue] {
-        m_selectDate = previousDate;
-        m_selectValue = previousValue;
-        buildColumns();
-        for (Field field : std::as_const(m_columns))
+        m_model.restoreSelection(previousDate, previousValue);
+        for (Field field : m_model.columns())
             reloadWheel(field, true);
         if (m_nonSelectableBlock)
             m_nonSelectableBlock(rejectedDate, rejectedValue);
@@ -286,8 +255,20 @@ bool ZIQBRDatePickerView::rollBackIfNotSelectable(const QDateTime &previousDate,
 
 void ZIQBRDatePickerView::report()
 {
+    const QDateTime date = m_model.mSelectDate();
+    const QString value = m_model.mSelectValue();
     if (m_changeBlock)
-        m_changeBlock(m_selectDate, m_selectValue);
-    if (isAutoSelect() && m_resultBlock)
-        m_resultBlock(m_selectDate, m_selectValue);
+        m_changeBlock(date, value);
+    Q_EMIT dateChanged(date, value);
+    if (isAutoSelect())
+        reportResult();
+}
+
+void ZIQBRDatePickerView::reportResult()
+{
+    const QDateTime date = m_model.mSelectDate();
+    const QString value = m_model.mSelectValue();
+    if (m_resultBlock)
+        m_resultBlock(date, value);
+    Q_EMIT dateSelected(date, value);
 }

@@ -51,37 +51,32 @@ void ZIQBRDatePickerView::reloadPlatformPicker()
         connect(m_platformPicker, &QDateTimeEdit::dateTimeChanged, this, &ZIQBRDatePickerView::onPlatformDateChanged);
     }
     const QSignalBlocker blocker(m_platformPicker);
-    const QTimeZone zone = qtTimeZone(m_timeZone.get());
+    const QTimeZone zone = qtTimeZone(m_model.timeZone().get());
     m_platformPicker->setLocale(QLocale(pickerStyle().language()));
     m_platformPicker->setCalendar(qtCalendar(m_calendar.get()));
     m_platformPicker->setFont(pickerStyle().pickerTextFont());
-    m_platformPicker->setDisplayFormat(m_dateFormatter);
-    if (m_pickerMode == Mode::CountDownTimer) {
+    m_platformPicker->setDisplayFormat(m_model.dateFormatter());
+    if (m_model.pickerMode() == Mode::CountDownTimer) {
         m_platformPicker->setDateTimeRange(
             QDateTime(QDate(2000, 1, 1), QTime(0, 0)), QDateTime(QDate(2000, 1, 1), QTime(23, 59)));
         m_platformPicker->setTime(QTime(0, 0).addSecs(qRound(m_countDownDuration)));
         return;
     }
-    m_platformPicker->setDateTimeRange(m_minDate.toTimeZone(zone), m_maxDate.toTimeZone(zone));
-    if (m_selectDate.isValid())
-        m_platformPicker->setDateTime(m_selectDate.toTimeZone(zone));
+    m_platformPicker->setDateTimeRange(m_model.rangeMinDate().toTimeZone(zone), m_model.rangeMaxDate().toTimeZone(zone));
+    if (m_model.mSelectDate().isValid())
+        m_platformPicker->setDateTime(m_model.mSelectDate().toTimeZone(zone));
 }
 
 void ZIQBRDatePickerView::onPlatformDateChanged(const QDateTime &shown)
 {
-    if (m_pickerMode == Mode::CountDownTimer)
+    const QTimeZone zone = qtTimeZone(m_model.timeZone().get());
+    const QDateTime date = QDateTime(shown.date(), shown.time(), zone).toUTC();
+    if (m_model.pickerMode() == Mode::CountDownTimer)
         m_countDownDuration = QTime(0, 0).secsTo(shown.time());
-    const QTimeZone zone = qtTimeZone(m_timeZone.get());
-    QDateTime date = QDateTime(shown.date(), shown.time(), zone).toUTC();
-    const QDateTime bound = br_compareDate(date, m_minDate, m_dateFormatter) < 0
-        ? m_minDate
-        : (br_compareDate(date, m_maxDate, m_dateFormatter) > 0 ? m_maxDate : QDateTime());
-    if (bound.isValid() && m_pickerMode != Mode::CountDownTimer) {
-        date = bound;
+    m_model.setSelectionFromEditor(date);
+    if (m_model.mSelectDate() != date) {
         const QSignalBlocker blocker(m_platformPicker);
-        m_platformPicker->setDateTime(bound.toTimeZone(zone));
+        m_platformPicker->setDateTime(m_model.mSelectDate().toTimeZone(zone));
     }
-    m_selectDate = date;
-    m_selectValue = ZIQ_br_stringFromDate(date, m_dateFormatter, m_timeZone.get(), pickerStyle().language());
     report();
 }

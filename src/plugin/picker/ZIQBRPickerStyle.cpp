@@ -1,6 +1,8 @@
 #include "plugin/picker/ZIQBRPickerStyle.h"
 
 #include "kit/common/ZIQGlobalization.h"
+#include "platform/Screen.h"
+#include "platform/SystemFont.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -11,14 +13,6 @@ constexpr qreal DefaultTitleBarHeight = 44;
 constexpr qreal DefaultPickerHeight = 216;
 constexpr qreal DefaultRowHeight = 35;
 constexpr qreal DefaultLineHeight = 0.5;
-
-QFont systemFont(int pixelSize, bool bold = false)
-{
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(pixelSize);
-    font.setBold(bold);
-    return font;
-}
 
 QColor grey(qreal white)
 {
@@ -68,7 +62,7 @@ ZIQBRPickerStyle ZIQBRPickerStyle::pickerStyleWithDoneTextColor(const QColor &do
 {
     ZIQBRPickerStyle style;
     style.setDoneTextColor(doneTextColor);
-    style.setDoneTextFont(systemFont(16, true));
+    style.setDoneTextFont(platform::SystemFont::bold(16));
     style.setDoneBtnTitle(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteNotDatePickerDone")));
     return style;
 }
@@ -104,8 +98,8 @@ qreal ZIQBRPickerStyle::shadowLineHeight() const
 
 qreal ZIQBRPickerStyle::paddingBottom() const
 {
-    // Qt reports no bottom safe-area inset, so an unset padding is 0.
-    return m_paddingBottom > 0 ? m_paddingBottom : 0;
+    // Unset, the panel stays clear of the phone's home indicator.
+    return m_paddingBottom > 0 ? m_paddingBottom : platform::Screen::safeAreaInsets().bottom();
 }
 
 QColor ZIQBRPickerStyle::titleBarColor() const
@@ -135,7 +129,7 @@ QColor ZIQBRPickerStyle::titleTextColor() const
 
 QFont ZIQBRPickerStyle::titleTextFont() const
 {
-    return m_titleTextFont.value_or(systemFont(15));
+    return m_titleTextFont.value_or(platform::SystemFont::regular(15));
 }
 
 QRectF ZIQBRPickerStyle::titleLabelFrame(qreal screenWidth) const
@@ -150,7 +144,7 @@ QColor ZIQBRPickerStyle::cancelTextColor() const
 
 QFont ZIQBRPickerStyle::cancelTextFont() const
 {
-    return m_cancelTextFont.value_or(systemFont(16));
+    return m_cancelTextFont.value_or(platform::SystemFont::regular(16));
 }
 
 QString ZIQBRPickerStyle::cancelBtnTitle() const
@@ -166,7 +160,7 @@ QColor ZIQBRPickerStyle::doneTextColor() const
 
 QFont ZIQBRPickerStyle::doneTextFont() const
 {
-    return m_doneTextFont.value_or(systemFont(16));
+    return m_doneTextFont.value_or(platform::SystemFont::regular(16));
 }
 
 QString ZIQBRPickerStyle::doneBtnTitle() const
@@ -197,7 +191,7 @@ QColor ZIQBRPickerStyle::pickerTextColor() const
 
 QFont ZIQBRPickerStyle::pickerTextFont() const
 {
-    return m_pickerTextFont.value_or(systemFont(18));
+    return m_pickerTextFont.value_or(platform::SystemFont::regular(18));
 }
 
 qreal ZIQBRPickerStyle::pickerHeight() const
@@ -222,5 +216,5 @@ QColor ZIQBRPickerStyle::dateUnitTextColor() const
 
 QFont ZIQBRPickerStyle::dateUnitTextFont() const
 {
-    return m_dateUnitTextFont.value_or(systemFont(18));
+    return m_dateUnitTextFont.value_or(platform::SystemFont::regular(18));
 }

@@ -3,6 +3,8 @@
 #include "PickerTestSupport.h"
 
 #include "platform/ManualClock.h"
+#include "platform/Screen.h"
+#include "platform/SystemFont.h"
 #include "platform/WheelColumn.h"
 
 #include <QCoreApplication>
@@ -19,21 +21,45 @@ namespace {
 constexpr int PhoneWidth = 375;
 constexpr int PhoneHeight = 812;
 
-/// Saves `widget` as a PNG beside the test program in the build folder; returns the file's path.
+/// Saves `widget` as a PNG into $ZIQ_PICTURES_DIR, or beside the test program; returns the file's path.
 QString saveScreenshot(QWidget *widget, const QString &name)
 {
-    const QString path = QDir(QCoreApplication::applicationDirPath()).filePath(name + QStringLiteral(".png"));
+    const QString folder = qEnvironmentVariableIsEmpty("ZIQ_PICTURES_DIR")
+        ? QCoreApplication::applicationDirPath()
+        : qEnvironmentVariable("ZIQ_PICTURES_DIR");
+    const QString path = QDir(folder).filePath(name + QStringLiteral(".png"));
     return widget->grab().save(path) ? path : QString();
 }
 
-void fillPhoneWindow(QWidget *window)
+void fillPhoneWindow(QWidget *window, bool dark)
 {
     window->resize(PhoneWidth, PhoneHeight);
+    QPalette palette = window->palette();
+    palette.setColor(QPalette::Window, dark ? QColor(0, 0, 0) : QColor(242, 242, 247));
+    palette.setColor(QPalette::WindowText, dark ? Qt::white : Qt::black);
+    window->setPalette(palette);
+    window->setAutoFillBackground(true);
     auto *layout = new QVBoxLayout(window);
     auto *title = new QLabel(QStringLiteral("Group note settings"), window);
+    title->setFont(platform::SystemFont::bold(17));
     title->setAlignment(Qt::AlignHCenter);
+    layout->addSpacing(52);
     layout->addWidget(title);
     layout->addStretch();
+}
+
+/// The editor's three theme colours as a dark theme would set them, and a title bar to match.
+void darken(ZIQBRPickerStyle &style)
+{
+    style.setPickerColor(QColor(QStringLiteral("#1C1C1E")));
+    style.setPickerTextColor(QColor(QStringLiteral("#FFFFFF")));
+    style.setSeparatorColor(QColor(QStringLiteral("#38383A")));
+    style.setTitleBarColor(QColor(QStringLiteral("#1C1C1E")));
+    style.setTitleLineColor(QColor(24, 24, 28));
+    style.setShadowLineColor(QColor(QStringLiteral("#38383A")));
+    style.setTitleTextColor(QColor(QStringLiteral("#8E8E93")));
+    style.setCancelTextColor(QColor(QStringLiteral("#FFFFFF")));
+    style.setDoneTextColor(QColor(QStringLiteral("#FFFFFF")));
 }
 
 } // namespace
@@ -126,30 +152,85 @@ private Q_SLOTS:
         QTRY_VERIFY(sheet.isNull());
     }
 
+    void titleBarTextsShareOneCentredBaseline()
+    {
+        platform::ManualClock clock;
+        const platform::ScreenScope phone(QSizeF(PhoneWidth, PhoneHeight));
+        QWidget window;
+        window.resize(PhoneWidth, PhoneHeight);
+        window.show();
+        auto *sheet = new ZIQBRBaseView(&window);
+        sheet->setTitle(QStringLiteral("Deadline"));
+        sheet->show();
+        clock.advance(ZIQBRBaseView::ShowDurationMs);
+        const QImage bar = sheet->titleBarView()->grab().toImage();
+
+        // Ink rows of each text: none of "Cancel", "Deadline" and "Confirm" reaches below its baseline.
+        const auto inkRows = [&](const QWidget *child) {
+            const QRect area = child->geometry();
+            const int rows = bar.height() - 2; // the title line is not ink
+            int darkest = 255;
+            for (int y = 0; y < rows; ++y) {
+                for (int x = area.left(); x <= area.right(); ++x)
+                    darkest = std::min(darkest, qGray(bar.pixel(x, y)));
+            }
+            // Half way from the bar's white to the text's colour, whatever grey the text is.
+            const int threshold = (darkest + 255) / 2;
+            int top = bar.height();
+            int bottom = -1;
+            for (int y = 0; y < rows; ++y) {
+                for (int x = area.left(); x <= area.right(); ++x) {
+                    if (qGray(bar.pixel(x, y)) < threshold) {
+                        top = std::min(top, y);
+                        bottom = std::max(bottom, y);
+                    }
+                }
+            }
+            return std::pair { top, bottom };
+        };
+        const auto [cancelTop, cancelBaseline] = inkRows(sheet->cancelBtn());
+        const auto [titleTop, titleBaseline] = inkRows(sheet->titleLabel());
+        const auto [doneTop, doneBaseline] = inkRows(sheet->doneBtn());
+        QCOMPARE(titleBaseline, cancelBaseline);
+        QCOMPARE(doneBaseline, cancelBaseline);
+        // The capitals of Cancel sit in the middle of the 44-point bar.
+        QVERIFY(std::abs((cancelTop + cancelBaseline + 1) / 2.0 - 22) <= 1);
+    }
+
     void deadlinePickerOnAPhone_data()
     {
         QTest::addColumn<QString>("language");
-        QTest::newRow("en") << "en";
-        QTest::newRow("zh-Hans") << "zh-Hans";
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("en-light") << "en" << false;
+        QTest::newRow("zh-Hans-light") << "zh-Hans" << false;
+        QTest::newRow("en-dark") << "en" << true;
+        QTest::newRow("zh-Hans-dark") << "zh-Hans" << true;
     }
 
+    /// Also writes the pictures of the picker: into $ZIQ_PICTURES_DIR when set (docs/pictures of
+    /// the source tree), else beside the test program.
     void deadlinePickerOnAPhone()
     {
         QFETCH(QString, language);
+        QFETCH(bool, dark);
         const QString appLanguage = ZIQGlobalization::getPreferredLanguage();
         ZIQGlobalization::setPreferredLanguage(language);
         const auto restoreLanguage = qScopeGuard([&] { ZIQGlobalization::setPreferredLanguage(appLanguage); });
+        const platform::ScreenScope phone(QSizeF(PhoneWidth, PhoneHeight));
         platform::ManualClock clock(localMs(2026, 3, 15, 10, 7, 23));
         QWidget window;
-        fillPhoneWindow(&window);
+        fillPhoneWindow(&window, dark);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         ZIQBRDatePickerView *picker = makeDeadlinePicker(&window, language);
-        picker->setTitle(QString());
+        if (dark)
+            darken(picker->pickerStyle());
+        picker->setTitle(localized("ZIQGroupNoteDeadlineSettings"));
         picker->show();
         clock.advance(ZIQBRBaseView::ShowDurationMs);
 
-        QCOMPARE(picker->alertView()->geometry(), QRect(0, PhoneHeight - 260, PhoneWidth, 260));
+        // Title bar, picker, and the home indicator's inset below.
+        QCOMPARE(picker->alertView()->geometry(), QRect(0, PhoneHeight - 294, PhoneWidth, 294));
         QCOMPARE(picker->titleBarView()->height(), 44);
         const QList<platform::WheelColumn *> wheels = picker->findChildren<platform::WheelColumn *>();
         QCOMPARE(wheels.size(), 5);
@@ -157,7 +238,8 @@ private Q_SLOTS:
             QCOMPARE(wheel->rowHeight(), 35);
             QCOMPARE(wheel->height(), 216);
         }
-        const QString path = saveScreenshot(&window, QStringLiteral("deadline-picker-") + language);
+        const QString name = QStringLiteral("picker-%1-%2").arg(language, dark ? "dark" : "light");
+        const QString path = saveScreenshot(&window, name);
         QVERIFY(!path.isEmpty());
         qInfo("picture: %s", qPrintable(path));
     }

@@ -17,6 +17,25 @@ std::unique_ptr<icu::TimeZone> utcOrDefault(bool inUtc)
     return std::unique_ptr<icu::TimeZone>(inUtc ? icu::TimeZone::createTimeZone("UTC") : nullptr);
 }
 
+/// Makes ICU's default time zone `id` for a scope and puts the previous one back after it, even
+/// when a failed check leaves the test early.
+class DefaultTimeZoneScope
+{
+public:
+    explicit DefaultTimeZoneScope(const char *id)
+        : m_previous(icu::TimeZone::createDefault())
+    {
+        const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(id));
+        icu::TimeZone::setDefault(*zone);
+    }
+    ~DefaultTimeZoneScope() { icu::TimeZone::setDefault(*m_previous); }
+    DefaultTimeZoneScope(const DefaultTimeZoneScope &) = delete;
+    DefaultTimeZoneScope &operator=(const DefaultTimeZoneScope &) = delete;
+
+private:
+    std::unique_ptr<icu::TimeZone> m_previous;
+};
+
 } // namespace
 
 class TestZIQBRDateHelpers : public QObject
@@ -130,6 +149,11 @@ private Q_SLOTS:
         QTest::newRow("in a given zone") << "2026-03-15 10:08" << true << "yyyy-MM-dd HH:mm"
                                          << localTime(2026, 3, 15, 18, 8);
         QTest::newRow("time only is on 1 January 1970") << "07:30" << false << "HH:mm" << localTime(1970, 1, 1, 7, 30);
+        QTest::newRow("trailing blanks") << "2026-03-15 10:08 \t" << false << "yyyy-MM-dd HH:mm"
+                                         << localTime(2026, 3, 15, 10, 8);
+        QTest::newRow("trailing word") << "2026-03-15 10:08 tomorrow" << false << "yyyy-MM-dd HH:mm" << QDateTime();
+        QTest::newRow("trailing seconds") << "2026-03-15 10:08:30" << false << "yyyy-MM-dd HH:mm" << QDateTime();
+        QTest::newRow("trailing letter") << "2026-03x" << false << "yyyy-MM" << QDateTime();
         QTest::newRow("not a date") << "tomorrow" << false << "yyyy-MM-dd" << QDateTime();
         QTest::newRow("empty") << "" << false << "yyyy-MM-dd" << QDateTime();
     }
@@ -147,8 +171,7 @@ private Q_SLOTS:
     {
         // In a zone with summer time, parsing takes the offset in force now even for a winter date,
         // while formatting follows the zone's rules.
-        std::unique_ptr<icu::TimeZone> previous(icu::TimeZone::createDefault());
-        icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("America/New_York"));
+        const DefaultTimeZoneScope newYork("America/New_York");
         platform::ManualClock summer(QDateTime(QDate(2026, 7, 1), QTime(12, 0), Qt::UTC).toMSecsSinceEpoch());
 
         QCOMPARE(currentTimeZone()->getRawOffset(), -4 * 3600 * 1000);
@@ -156,8 +179,6 @@ private Q_SLOTS:
             QStringLiteral("2026-01-15 12:00"), QStringLiteral("yyyy-MM-dd HH:mm"), nullptr, QStringLiteral("en"));
         QCOMPARE(parsed, QDateTime(QDate(2026, 1, 15), QTime(16, 0), Qt::UTC));
         QCOMPARE(ZIQ_br_stringFromDate(parsed, QStringLiteral("HH:mm"), nullptr, QStringLiteral("en")), "11:00");
-
-        icu::TimeZone::adoptDefault(previous.release());
     }
 
 private:

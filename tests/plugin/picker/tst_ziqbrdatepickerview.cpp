@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
 using platform::WheelColumn;
@@ -322,6 +323,9 @@ private Q_SLOTS:
         QPointer<ZIQBRDatePickerView> picker = screen.showDeadlinePicker();
         int cancelCalls = 0;
         picker->setCancelBlock([&cancelCalls] { ++cancelCalls; });
+        QSignalSpy changed(picker, &ZIQBRDatePickerView::dateChanged);
+        QSignalSpy selected(picker, &ZIQBRDatePickerView::dateSelected);
+        QSignalSpy cancelled(picker, &ZIQBRDatePickerView::cancelled);
         screen.clock.advance(ZIQBRBaseView::ShowDurationMs);
         press(picker, "day", Qt::Key_Down);
         QCOMPARE(rowsAt(picker, At::First), "2026 3 15 0 0"); // off the earliest day, hours and minutes open up
@@ -335,6 +339,12 @@ private Q_SLOTS:
         QCOMPARE(screen.result.calls, results);
         QCOMPARE(screen.result.value, "2026-03-16 10:08");
         QCOMPARE(cancelCalls, cancels);
+        // The signals say what the callbacks say.
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first(), (QVariantList { localTime(2026, 3, 16, 10, 8), "2026-03-16 10:08" }));
+        QCOMPARE(selected.count(), results);
+        QCOMPARE(selected.last(), changed.first());
+        QCOMPARE(cancelled.count(), cancels);
         screen.clock.advance(ZIQBRBaseView::DismissDurationMs);
         QTRY_VERIFY(picker.isNull());
     }

@@ -1,5 +1,5 @@
-// ZIQBRDatePickerView: the value lists of the columns, their bounds, and the texts of their rows.
-#include "plugin/picker/ZIQBRDatePickerView.h"
+// ZIQBRDatePickerModel: the value lists of the columns, their bounds, and the texts of their rows.
+#include "plugin/picker/ZIQBRDatePickerModel.h"
 
 #include "kit/common/ZIQGlobalization.h"
 #include "platform/MainQueue.h"
@@ -26,27 +26,40 @@ QDateTime now()
 
 } // namespace
 
-QString ZIQBRDatePickerView::effectiveLastRowContent() const
+bool ZIQBRDatePickerModel::isAmPmHour(Field field) const
+{
+    return field == Hour && m_pickerMode == Mode::YMDH && m_isShowAMAndPM;
+}
+
+QStringList ZIQBRDatePickerModel::rowTexts(Field field) const
+{
+    QStringList rows;
+    for (int row = 0; row < m_arr[field].size(); ++row)
+        rows.append(rowText(field, row));
+    return rows;
+}
+
+QString ZIQBRDatePickerModel::effectiveLastRowContent() const
 {
     return m_addToNow ? localized("ZIQGroupNoteNotDatePickerNow") : m_lastRowContent;
 }
 
-int ZIQBRDatePickerView::minuteInterval() const
+int ZIQBRDatePickerModel::minuteInterval() const
 {
     return m_minuteInterval <= 0 || m_minuteInterval > 30 ? 1 : m_minuteInterval;
 }
 
-int ZIQBRDatePickerView::secondInterval() const
+int ZIQBRDatePickerModel::secondInterval() const
 {
     return m_secondInterval <= 0 || m_secondInterval > 30 ? 1 : m_secondInterval;
 }
 
-bool ZIQBRDatePickerView::isChinese() const
+bool ZIQBRDatePickerModel::isChinese() const
 {
-    return pickerStyle().language().startsWith(QLatin1String("zh"));
+    return m_language.startsWith(QLatin1String("zh"));
 }
 
-int ZIQBRDatePickerView::fieldOf(const QDateTime &date, Field field) const
+int ZIQBRDatePickerModel::fieldOf(const QDateTime &date, Field field) const
 {
     switch (field) {
     case Year:
@@ -65,12 +78,12 @@ int ZIQBRDatePickerView::fieldOf(const QDateTime &date, Field field) const
     return 0;
 }
 
-int ZIQBRDatePickerView::selectedValue(Field field) const
+int ZIQBRDatePickerModel::selectedValue(Field field) const
 {
     const QStringList &list = m_arr[field];
     if (fieldsInMode().contains(field) && !list.isEmpty()) {
         const int row = std::clamp(m_index[field], 0, static_cast<int>(list.size()) - 1);
-        if (field == Hour && m_pickerMode == Mode::YMDH && m_isShowAMAndPM)
+        if (isAmPmHour(field))
             return row == 0 ? 0 : 12;
         bool isNumber = false;
         const int value = list.at(row).toInt(&isNumber);
@@ -81,23 +94,23 @@ int ZIQBRDatePickerView::selectedValue(Field field) const
     return fieldOf(m_selectDate.isValid() ? m_selectDate : now(), field);
 }
 
-QString ZIQBRDatePickerView::numberText(Field field, int value) const
+QString ZIQBRDatePickerModel::numberText(Field field, int value) const
 {
     if (!m_isNumberFullName)
         return QString::number(value);
     return QString::asprintf(field == Year ? "%04d" : "%02d", value);
 }
 
-int ZIQBRDatePickerView::rowOfValue(Field field, int value) const
+int ZIQBRDatePickerModel::rowOfValue(Field field, int value) const
 {
-    if (field == Hour && m_pickerMode == Mode::YMDH && m_isShowAMAndPM)
+    if (isAmPmHour(field))
         return value < 12 ? 0 : 1;
     return std::max(0, static_cast<int>(m_arr[field].indexOf(numberText(field, value))));
 }
 
-QStringList ZIQBRDatePickerView::columnList(Field field) const
+QStringList ZIQBRDatePickerModel::columnList(Field field) const
 {
-    if (field == Hour && m_pickerMode == Mode::YMDH && m_isShowAMAndPM)
+    if (isAmPmHour(field))
         return { amPmText(0), amPmText(12) };
     const QList<Field> fields = fieldsInMode();
     int lower = field == Year ? ZIQ_br_year(m_minDate) : (field == Month || field == Day ? 1 : 0);
@@ -139,7 +152,7 @@ QStringList ZIQBRDatePickerView::columnList(Field field) const
     return list;
 }
 
-void ZIQBRDatePickerView::buildColumns()
+void ZIQBRDatePickerModel::buildColumns()
 {
     const QList<Field> fields = fieldsInMode();
     for (int i = 0; i < fields.size(); ++i) {
@@ -155,7 +168,7 @@ void ZIQBRDatePickerView::buildColumns()
     }
 }
 
-bool ZIQBRDatePickerView::isCustomRowSelected() const
+bool ZIQBRDatePickerModel::isCustomRowSelected() const
 {
     const QList<Field> fields = fieldsInMode();
     if (fields.isEmpty())
@@ -169,7 +182,7 @@ bool ZIQBRDatePickerView::isCustomRowSelected() const
         || (row == list.size() - 1 && !last.isEmpty() && list.at(row) == last);
 }
 
-QString ZIQBRDatePickerView::unit(Field field) const
+QString ZIQBRDatePickerModel::unit(Field field) const
 {
     static const char *const names[] = { "year", "month", "day", "hour", "minute", "second" };
     static const char *const keys[] = {
@@ -185,7 +198,7 @@ QString ZIQBRDatePickerView::unit(Field field) const
     return isChinese() ? localized(keys[field]) : QString();
 }
 
-QStringList ZIQBRDatePickerView::unitArr() const
+QStringList ZIQBRDatePickerModel::unitArr() const
 {
     QStringList units;
     for (Field field : m_columns)
@@ -193,12 +206,12 @@ QStringList ZIQBRDatePickerView::unitArr() const
     return units;
 }
 
-QString ZIQBRDatePickerView::amPmText(int hour) const
+QString ZIQBRDatePickerModel::amPmText(int hour) const
 {
     return localized(hour < 12 ? "ZIQGroupNoteNotDatePickerAM" : "ZIQGroupNoteNotDatePickerPM");
 }
 
-QString ZIQBRDatePickerView::monthRowText(int month) const
+QString ZIQBRDatePickerModel::monthRowText(int month) const
 {
     if (m_pickerMode != Mode::YMD && m_pickerMode != Mode::YM)
         return QString();
@@ -207,7 +220,7 @@ QString ZIQBRDatePickerView::monthRowText(int month) const
     if (isChinese())
         return QString();
     UErrorCode status = U_ZERO_ERROR;
-    icu::DateFormatSymbols symbols(ZIQBRIcu::localeForLanguage(pickerStyle().language()), status);
+    icu::DateFormatSymbols symbols(ZIQBRIcu::localeForLanguage(m_language), status);
     int32_t count = 0;
     const icu::UnicodeString *names = symbols.getMonths(count, icu::DateFormatSymbols::FORMAT,
         m_isShortMonthName ? icu::DateFormatSymbols::ABBREVIATED : icu::DateFormatSymbols::WIDE);
@@ -216,7 +229,7 @@ QString ZIQBRDatePickerView::monthRowText(int month) const
     return ZIQBRIcu::fromUnicode(names[month - 1]);
 }
 
-QString ZIQBRDatePickerView::dayRowText(int day) const
+QString ZIQBRDatePickerModel::dayRowText(int day) const
 {
     const int year = selectedValue(Year);
     const int month = selectedValue(Month);
@@ -230,7 +243,7 @@ QString ZIQBRDatePickerView::dayRowText(int day) const
     return text;
 }
 
-QString ZIQBRDatePickerView::rowText(Field field, int row) const
+QString ZIQBRDatePickerModel::rowText(Field field, int row) const
 {
     const QStringList &list = m_arr[field];
     if (list.isEmpty())
@@ -251,14 +264,14 @@ QString ZIQBRDatePickerView::rowText(Field field, int row) const
     return m_showUnitType == 0 ? text + unit(field) : text;
 }
 
-QString ZIQBRDatePickerView::valueText() const
+QString ZIQBRDatePickerModel::valueText() const
 {
     const QList<Field> fields = fieldsInMode();
     QStringList datePart;
     QStringList timePart;
     for (Field field : fields) {
         const int value = selectedValue(field);
-        if (field == Hour && m_pickerMode == Mode::YMDH && m_isShowAMAndPM)
+        if (isAmPmHour(field))
             timePart.append(amPmText(value));
         else if (field <= Day)
             datePart.append(QString::asprintf(field == Year ? "%04d" : "%02d", value));
@@ -270,7 +283,7 @@ QString ZIQBRDatePickerView::valueText() const
     return date.isEmpty() || time.isEmpty() ? date + time : date + QLatin1Char(' ') + time;
 }
 
-QDateTime ZIQBRDatePickerView::dateFromSelection() const
+QDateTime ZIQBRDatePickerModel::dateFromSelection() const
 {
     const auto v = [this](Field field) { return selectedValue(field); };
     switch (m_pickerMode) {

@@ -1,7 +1,8 @@
-// ZIQBRDatePickerView: the modes, the range with its defaults, the initial selection and the
-// comparison of dates at the mode's precision.
-#include "plugin/picker/ZIQBRDatePickerView.h"
+// ZIQBRDatePickerModel: the modes, the range with its defaults, the initial selection, turning a
+// column and the comparison of dates at the mode's precision.
+#include "plugin/picker/ZIQBRDatePickerModel.h"
 
+#include "kit/common/ZIQGlobalization.h"
 #include "platform/MainQueue.h"
 #include "plugin/picker/ZIQBRDateHelpers.h"
 
@@ -33,9 +34,42 @@ bool isTimeOfDayMode(Mode mode)
         || mode == Mode::MS;
 }
 
+// An integer outside the table of modes, cast to a mode, shows the default date picker.
+ZIQBRDatePickerMode knownMode(ZIQBRDatePickerMode mode)
+{
+    const int value = static_cast<int>(mode);
+    return value >= 0 && value <= static_cast<int>(Mode::MS) ? mode : Mode::Date;
+}
+
 } // namespace
 
-void ZIQBRDatePickerView::setupDateFormatter(ZIQBRDatePickerMode mode)
+ZIQBRDatePickerModel::ZIQBRDatePickerModel(ZIQBRDatePickerMode pickerMode)
+    : m_pickerMode(knownMode(pickerMode))
+    , m_language(ZIQGlobalization::getPreferredLanguage())
+{
+    setupDateFormatter(m_pickerMode);
+}
+
+void ZIQBRDatePickerModel::setPickerMode(ZIQBRDatePickerMode mode)
+{
+    m_pickerMode = knownMode(mode);
+    setupDateFormatter(m_pickerMode);
+}
+
+void ZIQBRDatePickerModel::setLanguage(const QString &language)
+{
+    m_language = language;
+    // The order of the columns depends on the language.
+    setupDateFormatter(m_pickerMode);
+}
+
+void ZIQBRDatePickerModel::reload()
+{
+    setupDateFormatter(m_pickerMode);
+    handlerPickerData();
+}
+
+void ZIQBRDatePickerModel::setupDateFormatter(ZIQBRDatePickerMode mode)
 {
     static const QString patterns[] = {
         QStringLiteral("yyyy-MM-dd"),
@@ -62,12 +96,12 @@ void ZIQBRDatePickerView::setupDateFormatter(ZIQBRDatePickerMode mode)
         std::reverse(m_columns.begin(), m_columns.end());
 }
 
-bool ZIQBRDatePickerView::isPlatformMode() const
+bool ZIQBRDatePickerModel::isPlatformMode() const
 {
     return static_cast<int>(m_pickerMode) <= static_cast<int>(Mode::CountDownTimer);
 }
 
-QList<ZIQBRDatePickerView::Field> ZIQBRDatePickerView::fieldsInMode() const
+QList<ZIQBRDatePickerModel::Field> ZIQBRDatePickerModel::fieldsInMode() const
 {
     switch (m_pickerMode) {
     case Mode::Date:
@@ -100,7 +134,7 @@ QList<ZIQBRDatePickerView::Field> ZIQBRDatePickerView::fieldsInMode() const
     return {};
 }
 
-void ZIQBRDatePickerView::handlerPickerData()
+void ZIQBRDatePickerModel::handlerPickerData()
 {
     m_minDate = handlerMinDate(m_configuredMinDate);
     m_maxDate = handlerMaxDate(m_configuredMaxDate);
@@ -121,14 +155,14 @@ void ZIQBRDatePickerView::handlerPickerData()
         buildColumns();
     if (!m_selectDate.isValid())
         m_selectValue = m_configuredSelectValue;
-    else if (m_pickerMode == Mode::YMDH && m_isShowAMAndPM)
+    else if (isAmPmHour(Hour))
         m_selectValue = valueText();
     else
         m_selectValue
-            = ZIQ_br_stringFromDate(m_selectDate, m_dateFormatter, m_timeZone.get(), pickerStyle().language());
+            = ZIQ_br_stringFromDate(m_selectDate, m_dateFormatter, m_timeZone.get(), m_language);
 }
 
-QDateTime ZIQBRDatePickerView::handlerMinDate(const QDateTime &minDate) const
+QDateTime ZIQBRDatePickerModel::handlerMinDate(const QDateTime &minDate) const
 {
     if (minDate.isValid())
         return minDate;
@@ -150,7 +184,7 @@ QDateTime ZIQBRDatePickerView::handlerMinDate(const QDateTime &minDate) const
     }
 }
 
-QDateTime ZIQBRDatePickerView::handlerMaxDate(const QDateTime &maxDate) const
+QDateTime ZIQBRDatePickerModel::handlerMaxDate(const QDateTime &maxDate) const
 {
     if (m_addToNow)
         return now();
@@ -175,7 +209,7 @@ QDateTime ZIQBRDatePickerView::handlerMaxDate(const QDateTime &maxDate) const
     }
 }
 
-QDateTime ZIQBRDatePickerView::handlerSelectDate(const QDateTime &selectDate, const QString &dateFormat) const
+QDateTime ZIQBRDatePickerModel::handlerSelectDate(const QDateTime &selectDate, const QString &dateFormat) const
 {
     if (selectDate.isValid())
         return selectDate;
@@ -192,19 +226,19 @@ QDateTime ZIQBRDatePickerView::handlerSelectDate(const QDateTime &selectDate, co
         minMinute % minuteInterval() == 0 ? minMinute : 0, minSecond % secondInterval() == 0 ? minSecond : 0);
 }
 
-QDateTime ZIQBRDatePickerView::dateFromSelectValue(const QString &dateFormat) const
+QDateTime ZIQBRDatePickerModel::dateFromSelectValue(const QString &dateFormat) const
 {
     QString text = m_configuredSelectValue;
     const QString lastRow = effectiveLastRowContent();
     if ((!m_firstRowContent.isEmpty() && text == m_firstRowContent) || (!lastRow.isEmpty() && text == lastRow))
         return m_addToNow ? now() : QDateTime();
-    if (m_pickerMode == Mode::YMDH && m_isShowAMAndPM) {
+    if (isAmPmHour(Hour)) {
         const int blank = text.lastIndexOf(QLatin1Char(' '));
         const QString lastWord = text.mid(blank + 1);
         if (blank > 0 && (lastWord == amPmText(0) || lastWord == amPmText(12)))
             text = text.left(blank) + (lastWord == amPmText(0) ? QStringLiteral(" 00") : QStringLiteral(" 12"));
     }
-    const QDateTime parsed = ZIQ_br_dateFromString(text, dateFormat, m_timeZone.get(), pickerStyle().language());
+    const QDateTime parsed = ZIQ_br_dateFromString(text, dateFormat, m_timeZone.get(), m_language);
     if (!parsed.isValid())
         return now();
     switch (m_pickerMode) {
@@ -225,11 +259,11 @@ QDateTime ZIQBRDatePickerView::dateFromSelectValue(const QString &dateFormat) co
     }
 }
 
-int ZIQBRDatePickerView::br_compareDate(
+int ZIQBRDatePickerModel::br_compareDate(
     const QDateTime &date, const QDateTime &targetDate, const QString &dateFormat) const
 {
     // Round-tripping through the mode's pattern compares only the fields the mode shows.
-    const QString language = pickerStyle().language();
+    const QString language = m_language;
     const auto atPrecision = [&](const QDateTime &d) {
         const QString text = ZIQ_br_stringFromDate(d, dateFormat, m_timeZone.get(), language);
         return ZIQ_br_dateFromString(text, dateFormat, m_timeZone.get(), language);
@@ -239,4 +273,96 @@ int ZIQBRDatePickerView::br_compareDate(
     if (!a.isValid() || !b.isValid())
         return 0;
     return a > b ? 1 : (a < b ? -1 : 0);
+}
+
+ZIQBRDatePickerModel::Change ZIQBRDatePickerModel::selectRow(Field field, int row)
+{
+    Change change;
+    const QDateTime previousDate = m_selectDate;
+    const bool wasCustomRow = isCustomRowSelected();
+    m_index[field] = row;
+    m_isAdjustSelectRow = false;
+    change.rebuilt = rebuildLowerColumns(field, previousDate);
+
+    const QList<Field> fields = fieldsInMode();
+    if (isCustomRowSelected()) {
+        m_selectDate = m_addToNow ? now() : QDateTime();
+        m_selectValue = m_arr[fields.first()].at(m_index[fields.first()]);
+        for (Field lower : fields.mid(1)) {
+            m_arr[lower].clear();
+            m_index[lower] = 0;
+            if (!change.rebuilt.contains(lower))
+                change.rebuilt.append(lower);
+        }
+    }
+    if (std::any_of(fields.begin(), fields.end(), [this](Field f) { return m_arr[f].isEmpty(); }))
+        return change;
+    if (!isCustomRowSelected()) {
+        m_selectDate = dateFromSelection();
+        m_selectValue = valueText();
+        change.scrollAll = m_isAdjustSelectRow || wasCustomRow;
+        if (change.scrollAll)
+            scrollToSelectDate(m_selectDate);
+    }
+    change.complete = true;
+    return change;
+}
+
+QList<ZIQBRDatePickerModel::Field> ZIQBRDatePickerModel::rebuildLowerColumns(Field changed, const QDateTime &previous)
+{
+    QList<Field> rebuilt;
+    for (Field lower : fieldsInMode()) {
+        if (lower <= changed)
+            continue;
+        const int old = previous.isValid() ? fieldOf(previous, lower) : 0;
+        m_arr[lower] = columnList(lower);
+        const QStringList &list = m_arr[lower];
+        const qsizetype found = isAmPmHour(lower) ? rowOfValue(lower, old) : list.indexOf(numberText(lower, old));
+        if (found >= 0) {
+            m_index[lower] = static_cast<int>(found);
+        } else {
+            // The old value fell out of the list: go to the end it fell past.
+            const bool pastFirst = !list.isEmpty() && old >= list.first().toInt();
+            m_index[lower] = pastFirst ? static_cast<int>(list.size()) - 1 : 0;
+            m_isAdjustSelectRow = true;
+        }
+        rebuilt.append(lower);
+    }
+    return rebuilt;
+}
+
+void ZIQBRDatePickerModel::scrollToSelectDate(const QDateTime &date)
+{
+    if (!date.isValid())
+        return;
+    for (Field field : std::as_const(m_columns))
+        m_index[field] = rowOfValue(field, fieldOf(date, field));
+}
+
+bool ZIQBRDatePickerModel::isNonSelectable(const QDateTime &date) const
+{
+    return date.isValid()
+        && std::any_of(m_nonSelectableDates.begin(), m_nonSelectableDates.end(),
+            [&](const QDateTime &d) { return br_compareDate(date, d, m_dateFormatter) == 0; });
+}
+
+void ZIQBRDatePickerModel::restoreSelection(const QDateTime &date, const QString &value)
+{
+    m_selectDate = date;
+    m_selectValue = value;
+    buildColumns();
+}
+
+void ZIQBRDatePickerModel::setSelectionFromEditor(const QDateTime &date)
+{
+    // A count-down is a duration, not a date: the range does not hold it back.
+    if (m_pickerMode == Mode::CountDownTimer)
+        m_selectDate = date;
+    else if (br_compareDate(date, m_minDate, m_dateFormatter) < 0)
+        m_selectDate = m_minDate;
+    else if (br_compareDate(date, m_maxDate, m_dateFormatter) > 0)
+        m_selectDate = m_maxDate;
+    else
+        m_selectDate = date;
+    m_selectValue = ZIQ_br_stringFromDate(m_selectDate, m_dateFormatter, m_timeZone.get(), m_language);
 }
