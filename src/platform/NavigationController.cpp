@@ -23,7 +23,7 @@ NavigationController::~NavigationController()
 
 void NavigationController::pushViewController(ViewController *controller, bool animated)
 {
-    if (!controller || m_stack.contains(controller))
+    if (!controller || controller == this || m_stack.contains(controller))
         return;
     finishTransition();
     ViewController *from = topViewController();
@@ -110,6 +110,7 @@ void NavigationController::viewDidLoad()
     }
     m_bar->raise();
     updateBar();
+    viewDidLayoutSubviews();
 }
 
 void NavigationController::viewDidLayoutSubviews()
