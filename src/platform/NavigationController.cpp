@@ -138,18 +138,7 @@ void NavigationController::transition(
             from->beginAppearanceTransition(false, animated);
         to->beginAppearanceTransition(true, animated);
     }
-    if (toView->parentWidget() != view())
-        toView->setParent(view());
-    const QRect toFrame = frameFor(to);
-    toView->setGeometry(toFrame);
-    toView->show();
-    // The moving screen is the upper one: the pushed one, or the popped one sliding away.
-    if (direction == Direction::Forward || !from)
-        toView->raise();
-    else
-        from->view()->raise();
-    m_bar->raise();
-    updateBar();
+    placeViews(from, to, direction);
 
     m_transitionDone = [this, from = QPointer(from), to = QPointer(to), onScreen, done = std::move(done)] {
         if (from && from->isViewLoaded()) {
@@ -171,9 +160,26 @@ void NavigationController::transition(
     // The lower screen moves a third of the way, so the upper one seems to slide over it.
     const int width = view()->width();
     const bool forward = direction == Direction::Forward;
+    const QRect toFrame = frameFor(to);
     const QRect fromFrame = frameFor(from);
     slide(toView, toFrame.translated(forward ? width : -width / 3, 0), toFrame);
     slide(from->view(), fromFrame, fromFrame.translated(forward ? -width / 3 : width, 0));
+}
+
+void NavigationController::placeViews(ViewController *from, ViewController *to, Direction direction)
+{
+    QWidget *toView = to->view();
+    if (toView->parentWidget() != view())
+        toView->setParent(view());
+    toView->setGeometry(frameFor(to));
+    toView->show();
+    // The moving screen is the upper one: the pushed one, or the popped one sliding away.
+    if (direction == Direction::Forward || !from)
+        toView->raise();
+    else
+        from->view()->raise();
+    m_bar->raise();
+    updateBar();
 }
 
 void NavigationController::slide(QWidget *view, const QRect &from, const QRect &to)

@@ -54,6 +54,8 @@ private:
 
     void transition(
         ViewController *from, ViewController *to, Direction direction, bool animated, std::function<void()> done);
+    /// Puts `to`'s view in place and on view, stacked for the slide, and shows its item.
+    void placeViews(ViewController *from, ViewController *to, Direction direction);
     void slide(QWidget *view, const QRect &from, const QRect &to);
     void completeTransition();
     void release(ViewController *controller);
