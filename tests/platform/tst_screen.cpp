@@ -1,0 +1,58 @@
+// The phone screen: safe-area insets and navigation bar height for the phones the screens are
+// laid out for, and a scope that puts the previous screen back.
+#include "platform/Screen.h"
+
+#include <QTest>
+
+using platform::DeviceIdiom;
+using platform::Screen;
+using platform::ScreenScope;
+
+class ScreenTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void insetsAndBarHeight_data()
+    {
+        QTest::addColumn<QSizeF>("size");
+        QTest::addColumn<DeviceIdiom>("idiom");
+        QTest::addColumn<QMarginsF>("insets");
+        QTest::addColumn<qreal>("barHeight");
+        QTest::newRow("phone with a notch")
+            << QSizeF(375, 812) << DeviceIdiom::Phone << QMarginsF(0, 44, 0, 34) << 88.0;
+        QTest::newRow("phone with a home button")
+            << QSizeF(375, 667) << DeviceIdiom::Phone << QMarginsF(0, 20, 0, 0) << 64.0;
+        QTest::newRow("narrower than 375") << QSizeF(320, 812) << DeviceIdiom::Phone << QMarginsF(0, 20, 0, 0) << 64.0;
+        QTest::newRow("tall tablet") << QSizeF(1024, 1366) << DeviceIdiom::Pad << QMarginsF(0, 20, 0, 0) << 64.0;
+        QTest::newRow("no screen") << QSizeF() << DeviceIdiom::Phone << QMarginsF() << 64.0;
+    }
+
+    void insetsAndBarHeight()
+    {
+        QFETCH(QSizeF, size);
+        QFETCH(DeviceIdiom, idiom);
+        QFETCH(QMarginsF, insets);
+        QFETCH(qreal, barHeight);
+        ScreenScope screen(size, idiom);
+        QCOMPARE(Screen::bounds(), QRectF(QPointF(0, 0), size));
+        QCOMPARE(Screen::safeAreaInsets(), insets);
+        QCOMPARE(Screen::navigationBarHeight(), barHeight);
+    }
+
+    void scopesRestoreTheScreenBeforeThem()
+    {
+        ScreenScope outer(QSizeF(375, 812));
+        {
+            ScreenScope inner(QSizeF(768, 1024), DeviceIdiom::Pad);
+            QCOMPARE(Screen::width(), 768.0);
+            QVERIFY(!Screen::isPhone());
+        }
+        QCOMPARE(Screen::bounds().size(), QSizeF(375, 812));
+        QVERIFY(Screen::isPhone());
+        QCOMPARE(Screen::navigationBarHeight(), 88.0);
+    }
+};
+
+QTEST_GUILESS_MAIN(ScreenTest)
+#include "tst_screen.moc"
