@@ -1,8 +1,14 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test. With --sanitize, builds with AddressSanitizer and
-# UndefinedBehaviorSanitizer into its own folder.
+# UndefinedBehaviorSanitizer into its own folder. With --fuzz, fuzzes the note's readers for a
+# bounded time instead (scripts/fuzz.sh; ZIQ_FUZZ_SECONDS per target).
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+if [ "${1:-}" = "--fuzz" ]; then
+    scripts/install-deps.sh --fuzz
+    exec scripts/fuzz.sh
+fi
 
 build=build
 flags=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DZIQ_WERROR=ON)
