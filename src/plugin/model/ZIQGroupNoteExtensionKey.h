@@ -41,8 +41,9 @@ public:
 
     /// The key without its last two characters (empty for shorter keys), whatever they are.
     static QString generationBase(const QString &key);
-    /// The integer value of the key's last character alone: 0 to 9, 0 for anything else, so a
-    /// generation of 10 or more is misread on purpose.
+    /// The integer value of the key's last character alone: 0 to 9, 0 for anything else. A
+    /// generation of 10 or more is misread so, as every other client of these notes misreads it:
+    /// the keys one client writes must be the keys all others expect.
     static qint64 generationOf(const QString &key);
     /// generationBase(key) + "_" + generation.
     static QString keyWithGeneration(const QString &key, qint64 generation);

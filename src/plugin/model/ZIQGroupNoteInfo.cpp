@@ -1,11 +1,9 @@
 #include "plugin/model/ZIQGroupNoteInfo.h"
 
-#include "kit/common/ZIQLogin.h"
 #include "kit/common/ZIQTool.h"
 #include "platform/MainQueue.h"
 #include "plugin/model/ZIQGroupNoteExtensionKey.h"
 #include "plugin/model/ZIQGroupNoteJsonValue.h"
-#include "sdk/V2VORManager.h"
 
 #include <QHash>
 #include <QJsonObject>
@@ -16,13 +14,6 @@ namespace {
 
 // The collapsed card never shows more than two entry rows.
 constexpr qint64 maxShowLineNum = 2;
-
-// With nobody logged in the current user ID is absent, and an absent ID matches no one: not a
-// creator or author written as "" either.
-bool isCurrentUser(const QString &userID, const QString &currentUserID)
-{
-    return !currentUserID.isEmpty() && userID == currentUserID;
-}
 
 void applyMemberNames(const QList<ZIQGroupNoteItemPtr> &entries, const QList<V2VORGroupMemberFullInfo> &members)
 {
@@ -71,12 +62,18 @@ std::vector<bool> supersededExtensions(const QList<V2VORMessageExtension> &list)
 
 } // namespace
 
-ZIQGroupNoteInfoPtr ZIQGroupNoteInfo::initWithMessage(const V2VORMessagePtr &message)
+ZIQGroupNoteInfo::ZIQGroupNoteInfo(const ZIQGroupNoteContext &context)
+    : m_context(context)
+{
+}
+
+ZIQGroupNoteInfoPtr ZIQGroupNoteInfo::initWithMessage(
+    const V2VORMessagePtr &message, const ZIQGroupNoteContext &context)
 {
     if (!message || !message->customElem())
         return nullptr;
     const QJsonObject body = ZIQTool::jsonData2Dictionary(message->customElem()->data);
-    auto info = std::make_shared<ZIQGroupNoteInfo>();
+    auto info = std::make_shared<ZIQGroupNoteInfo>(context);
     info->m_title = body.value(QLatin1String("title")).toString();
     info->m_desc = body.value(QLatin1String("description")).toString();
     info->m_showLineNum
@@ -93,7 +90,7 @@ ZIQGroupNoteInfoPtr ZIQGroupNoteInfo::initWithMessage(const V2VORMessagePtr &mes
         info->m_example = content.value(QLatin1String("format")).toString();
 
     info->m_message = message;
-    info->m_isCreatedByMyself = isCurrentUser(info->m_creatorUserID, ZIQLogin::getUserID());
+    info->m_isCreatedByMyself = context.isCurrentUser(info->m_creatorUserID);
     return info;
 }
 
@@ -140,13 +137,12 @@ QStringList ZIQGroupNoteInfo::mergeExtensionList(const QList<V2VORMessageExtensi
 
 void ZIQGroupNoteInfo::numberEntries(const std::vector<std::pair<double, ZIQGroupNoteItemPtr>> &sorted)
 {
-    const QString currentUserID = ZIQLogin::getUserID();
     QList<ZIQGroupNoteItemPtr> items;
     items.reserve(qsizetype(sorted.size()));
     for (const auto &[timestamp, item] : sorted) {
         items.append(item);
         item->setIndex(items.size());
-        if (isCurrentUser(item->userID(), currentUserID))
+        if (m_context.isCurrentUser(item->userID()))
             m_isMyselfSubmitted = true;
     }
     if (!items.isEmpty())
@@ -172,8 +168,8 @@ void ZIQGroupNoteInfo::resolveMemberNames(const QStringList &authors, Completion
         if (completion)
             completion(0, QString());
     };
-    V2VORManager *manager = V2VORManager::sharedInstance();
-    if (authors.isEmpty() || !manager) {
+    V2VORManager *client = m_context.client;
+    if (authors.isEmpty() || !client) {
         platform::MainQueue::async(finish);
         return;
     }
@@ -181,7 +177,7 @@ void ZIQGroupNoteInfo::resolveMemberNames(const QStringList &authors, Completion
     // note that is destroyed or refreshed again meanwhile out of reach.
     const QList<ZIQGroupNoteItemPtr> entries = m_items;
     const QString groupID = m_message ? m_message->groupID() : QString();
-    manager->getGroupMembersInfo(
+    client->getGroupMembersInfo(
         groupID, authors,
         [entries, finish](const QList<V2VORGroupMemberFullInfo> &members) {
             applyMemberNames(entries, members);

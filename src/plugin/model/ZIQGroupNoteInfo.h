@@ -3,6 +3,7 @@
 // decide what the current user may do.
 #pragma once
 
+#include "plugin/model/ZIQGroupNoteContext.h"
 #include "plugin/model/ZIQGroupNoteItem.h"
 #include "plugin/model/ZIQGroupNoteSetting.h"
 #include "sdk/V2VORGroupMemberFullInfo.h"
@@ -25,17 +26,19 @@ class ZIQGroupNoteInfo
 public:
     using Completion = std::function<void(int code, const QString &desc)>;
 
-    /// An empty note: no message, default settings, no entries.
-    ZIQGroupNoteInfo() = default;
+    /// An empty note read by `context`: no message, default settings, no entries.
+    explicit ZIQGroupNoteInfo(const ZIQGroupNoteContext &context = ZIQGroupNoteContext::current());
 
-    /// The note whose head the message's custom data carries (a note or a tips message alike);
-    /// null when the message or its custom element is absent. A body that is not a JSON object
-    /// gives a note with an empty head; a text member holding another JSON type reads as "".
-    static ZIQGroupNoteInfoPtr initWithMessage(const V2VORMessagePtr &message);
+    /// The note whose head the message's custom data carries (a note or a tips message alike),
+    /// read by `context`; null when the message or its custom element is absent. A body that is
+    /// not a JSON object gives a note with an empty head; a text member holding another JSON type
+    /// reads as "".
+    static ZIQGroupNoteInfoPtr initWithMessage(
+        const V2VORMessagePtr &message, const ZIQGroupNoteContext &context = ZIQGroupNoteContext::current());
 
     /// Rebuilds settings, entries, numbering and participant count from the message's full
     /// extension list, then names the entries' authors through the group member look-up of the
-    /// message's group. `completion` is always called, later, with 0 and "" (also when the
+    /// message's group on the context's client. `completion` is always called, later, with 0 and "" (also when the
     /// look-up fails). The look-up holds the entries it names, never the note, so the note may
     /// be destroyed while it runs.
     void updateWithExtensionList(const QList<V2VORMessageExtension> &list, Completion completion = {});
@@ -48,6 +51,9 @@ public:
     /// Name card, else friend remark, else nick name, else user ID.
     static QString displayedNameOfMemberInfo(const V2VORGroupMemberFullInfo &member);
 
+    /// The client and user this note is read by; "mine" and member names are theirs.
+    const ZIQGroupNoteContext &context() const { return m_context; }
+    void setContext(const ZIQGroupNoteContext &context) { m_context = context; }
     V2VORMessagePtr message() const { return m_message; }
     void setMessage(const V2VORMessagePtr &message) { m_message = message; }
     QString title() const { return m_title; }
@@ -92,7 +98,7 @@ public:
     const QList<V2VORMessageExtension> &extensionList() const { return m_extensionList; }
     void setExtensionList(const QList<V2VORMessageExtension> &list) { m_extensionList = list; }
 
-    /// Distinct authors among the live entries (the name is spelled this way on purpose).
+    /// Distinct authors among the live entries (the name keeps the spelling other clients use).
     quint64 paticipantCount() const { return m_paticipantCount; }
     void setPaticipantCount(quint64 count) { m_paticipantCount = count; }
     /// The number the newest entry displays; kept by a refresh to an empty list.
@@ -122,6 +128,7 @@ private:
     void numberEntries(const std::vector<std::pair<double, ZIQGroupNoteItemPtr>> &sorted);
     void resolveMemberNames(const QStringList &authors, Completion completion) const;
 
+    ZIQGroupNoteContext m_context;
     V2VORMessagePtr m_message;
     QString m_title;
     QString m_desc;

@@ -23,11 +23,6 @@ ZIQGroupNoteExtensionClient::ZIQGroupNoteExtensionClient(V2VORManager *manager)
 {
 }
 
-V2VORManager *ZIQGroupNoteExtensionClient::manager() const
-{
-    return m_manager ? m_manager.data() : V2VORManager::sharedInstance();
-}
-
 void ZIQGroupNoteExtensionClient::setMessageExtension(
     const V2VORMessagePtr &message, const QList<V2VORMessageExtension> &extensions, Completion completion) const
 {

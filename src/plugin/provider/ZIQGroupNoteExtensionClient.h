@@ -25,11 +25,12 @@ public:
     /// Extension key -> 0 for an added entry, 1 for a modified one; deletions are never listed.
     using OperationDict = QHash<QString, int>;
 
-    /// Talks to `manager`, or to the process's shared client when none is given or it is gone.
-    explicit ZIQGroupNoteExtensionClient(V2VORManager *manager = nullptr);
+    /// Talks to `manager` alone: once it is gone every call answers -1 with noClientDesc, rather
+    /// than reaching another user's client.
+    explicit ZIQGroupNoteExtensionClient(V2VORManager *manager);
 
-    /// The client calls go to; null when there is none at all.
-    V2VORManager *manager() const;
+    /// The client calls go to; null once it is gone.
+    V2VORManager *manager() const { return m_manager; }
 
     void setMessageExtension(
         const V2VORMessagePtr &message, const QList<V2VORMessageExtension> &extensions, Completion completion) const;

@@ -238,8 +238,9 @@ private Q_SLOTS:
         group.server()->setNameCard(group.groupID(), QStringLiteral("alice"), QStringLiteral("Ali"));
         group.server()->setFriendRemark(QStringLiteral("carol"), QStringLiteral("alice"), QStringLiteral("Al"));
         group.server()->setFriendRemark(QStringLiteral("carol"), QStringLiteral("bob"), QStringLiteral("Bobby"));
-        group.actAs(QStringLiteral("carol"));
-        auto info = ZIQGroupNoteInfo::initWithMessage(customMessage(R"({"content": {"creator": "carol"}})"));
+        // Nobody is logged in on the process: the note asks its own context alone.
+        const ZIQGroupNoteContext carol { group.client("carol"), "carol", "Carol" };
+        auto info = ZIQGroupNoteInfo::initWithMessage(customMessage(R"({"content": {"creator": "carol"}})"), carol);
         QVERIFY(info->isCreatedByMyself());
         const auto store = extensions({ "alice_1_0", "bob_2_0", "carol_3_0", "dave_4_0", "alice_5_0" });
         QList<std::pair<int, QString>> calls;

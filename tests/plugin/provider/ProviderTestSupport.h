@@ -10,10 +10,13 @@
 #include "plugin/provider/ZIQGroupNoteDataProvider.h"
 #include "support/GroupFixture.h"
 
+#include <QPointer>
 #include <QTest>
+#include <optional>
 
-/// Sends what it is handed to the group chat as the current user, then answers with the chat
-/// module's send-result event, as the chat screen does. Without a group it only takes messages.
+/// Sends what it is handed to the group chat through `sender` (the client of the device's user),
+/// then answers with the chat module's send-result event, as the chat screen does. Without a
+/// group it only takes messages.
 class ChatServiceDouble : public ZIQServiceProtocol
 {
 public:
@@ -27,8 +30,8 @@ public:
     QVariant onCall(const QString &, const QVariantMap &param) override
     {
         handedOver.append(param.value(ZIQCore_ZIQChatService_SendMessageMethod_MsgKey).value<V2VORMessagePtr>());
-        if (!m_groupID.isEmpty())
-            V2VORManager::sharedInstance()->sendMessage(
+        if (!m_groupID.isEmpty() && sender)
+            sender->sendMessage(
                 handedOver.last(), {}, m_groupID, V2VOR_PRIORITY_DEFAULT, false, std::nullopt, {},
                 [] { answer(0, {}); }, answer);
         return {};
@@ -42,6 +45,7 @@ public:
     }
 
     QList<V2VORMessagePtr> handedOver;
+    QPointer<V2VORManager> sender;
 
 private:
     QString m_groupID;
@@ -75,17 +79,30 @@ struct Scene
     platform::ManualClock clock;
     ChatServiceDouble chat { group.groupID() };
 
+    /// Who reads a note on `user`'s device.
+    ZIQGroupNoteContext contextOf(const QString &user) const
+    {
+        return { group.client(user), user, GroupFixture::nickNameOf(user) };
+    }
+
+    /// `user`'s own copy of a message; null when their history does not hold it.
+    V2VORMessagePtr find(const QString &user, const QString &msgID) const
+    {
+        auto found = std::make_shared<std::optional<V2VORMessagePtr>>();
+        group.client(user)->findMessages(
+            { msgID }, [found](const QList<V2VORMessagePtr> &list) { *found = list.value(0); },
+            [found](int, const QString &) { *found = nullptr; });
+        (void)QTest::qWaitFor([found] { return found->has_value(); });
+        return found->value_or(nullptr);
+    }
+
     /// `user`'s screen over their own copy of a message, fetched as a screen does on opening, or
-    /// over a new note; `user` is made the current user.
+    /// over a new note; the chat screen sends as `user` from now on.
     std::unique_ptr<ZIQGroupNoteDataProvider> open(const QString &user, const QString &msgID = {})
     {
-        group.actAs(user);
-        auto found = std::make_shared<std::optional<V2VORMessagePtr>>();
-        if (!msgID.isEmpty())
-            group.client(user)->findMessages(
-                { msgID }, [found](const QList<V2VORMessagePtr> &list) { *found = list.value(0); }, {});
-        (void)QTest::qWaitFor([found, msgID] { return msgID.isEmpty() || found->has_value(); });
-        auto provider = std::make_unique<ZIQGroupNoteDataProvider>(found->value_or(nullptr));
+        chat.sender = group.client(user);
+        auto provider = std::make_unique<ZIQGroupNoteDataProvider>(
+            msgID.isEmpty() ? nullptr : find(user, msgID), contextOf(user));
         auto fetched = std::make_shared<bool>(false); // a new note answers at once
         provider->getNoteStatistics([fetched](int, const QString &, const ZIQGroupNoteInfoPtr &) { *fetched = true; });
         (void)QTest::qWaitFor([fetched] { return *fetched; });
@@ -102,15 +119,28 @@ struct Scene
         return outcome;
     }
 
-    /// Alice posts a note with the lines "line 1" to "line <count>"; its ID, empty on failure.
+    /// Alice posts a note with the lines "line 1" to "line <count>" (past the 19 a new note may
+    /// carry, the rest in a second submission); its ID, empty on failure.
     QString post(int count = 1, bool allowMultiSubmit = true, double deadline = 0)
     {
         const auto provider = open("alice");
         provider->switchMultiSubmit(allowMultiSubmit);
         provider->setDeadline(deadline);
-        for (int i = 1; i <= count; ++i)
-            addLine(*provider, QStringLiteral("line %1").arg(i));
-        return submit(*provider, true)->code == 0 ? provider->message()->msgID() : QString();
+        const auto addLines = [count](ZIQGroupNoteDataProvider &to, int from, int last) {
+            for (int i = from; i <= std::min(count, last); ++i)
+                addLine(to, QStringLiteral("line %1").arg(i));
+        };
+        addLines(*provider, 1, 19);
+        if (submit(*provider, true)->code != 0)
+            return {};
+        const QString msgID = provider->message()->msgID();
+        if (count > 19) {
+            const auto more = open("alice", msgID);
+            addLines(*more, 20, count);
+            if (submit(*more, false)->code != 0)
+                return {};
+        }
+        return msgID;
     }
 
     /// `user` adds a line through the message `msgID`; the tips message the chat service sent.

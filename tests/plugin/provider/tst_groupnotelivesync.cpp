@@ -6,6 +6,8 @@
 #include "platform/NotificationCenter.h"
 #include "plugin/provider/ZIQGroupNoteDataProviderDelegate.h"
 
+#include <QSignalSpy>
+
 namespace {
 
 class DelegateRecorder : public ZIQGroupNoteDataProviderDelegate
@@ -34,9 +36,11 @@ private Q_SLOTS:
     {
         Scene s;
         const QString msgID = s.post();
-        const auto card = s.open("carol", msgID);
+        auto card = s.open("carol", msgID);
         DelegateRecorder recorder;
         card->setDelegate(&recorder);
+        QSignalSpy updates(card.get(), &ZIQGroupNoteDataProvider::noteUpdated);
+        QSignalSpy lineNums(card.get(), &ZIQGroupNoteDataProvider::showLineNumChanged);
         // Bob's screens stay open: the line count is rewritten after the submission's answer.
         std::vector<std::unique_ptr<ZIQGroupNoteDataProvider>> bob;
         const auto bobAdds = [&](const char *line) {
@@ -52,10 +56,7 @@ private Q_SLOTS:
         card->setNeedUpdateDataListSynchronously(true);
         bobAdds("Bob: bread");
         QTRY_COMPARE(recorder.infos.size(), 1);
-        // Collapsed, a card of three entries shows the expand row and the newest entry.
-        QCOMPARE(card->previewDataList().size(), 2);
-        QVERIFY(card->previewDataList().constFirst()->isExpandRow());
-        QCOMPARE(card->previewDataList().constLast()->item()->content(), QStringLiteral("Bob: bread"));
+        QCOMPARE(card->info()->items().constLast()->content(), QStringLiteral("Bob: bread"));
 
         // The local notice refreshes whatever the flag says; a modification that leaves the count
         // as it was is not passed on.
@@ -64,6 +65,19 @@ private Q_SLOTS:
         QTRY_COMPARE(recorder.infos.size(), 2);
         card->onRecvMessageModified(s.group.server()->messageByID(msgID));
         QCOMPARE(recorder.lineNums.size(), 1);
+        // Qt users hear the same as the delegate.
+        QCOMPARE(updates.size(), recorder.infos.size());
+        QCOMPARE(updates.constLast().constFirst().value<ZIQGroupNoteInfoPtr>(), card->info());
+        QCOMPARE(lineNums, (QList<QVariantList> { { 1, 2 } }));
+
+        // A refresh under way when the card goes reaches neither its delegate nor its signals;
+        // a screen refreshed after it has heard its answer by the time its own arrives.
+        const auto later = s.open("alice", msgID);
+        QSignalSpy laterUpdates(later.get(), &ZIQGroupNoteDataProvider::noteUpdated);
+        platform::NotificationCenter::defaultCenter().post("groupNoteUpdated", { { "msgID", msgID } });
+        card.reset();
+        QTRY_COMPARE(laterUpdates.size(), 1);
+        QCOMPARE(recorder.infos.size(), 2);
     }
 
     void changeConcernsTheNote()
@@ -86,7 +100,8 @@ private Q_SLOTS:
             return std::pair(s.group.server()->callCount("getMessageExtensions") - reads,
                 s.group.server()->callCount("findMessages") - lookUps);
         };
-        // The note names no first message, so it takes any message's change for its own, on purpose.
+        // The note names no first message, so it takes any message's change for its own: a note
+        // read from its first message cannot tell which ID a copy of it carries.
         QCOMPARE(refreshes("msg-x"), std::pair(2, 0));
         QCOMPARE(refreshes(tipsID), std::pair(2, 2));
         QCOMPARE(refreshes(msgID), std::pair(2, 2));
@@ -95,8 +110,7 @@ private Q_SLOTS:
     void sendPaths()
     {
         GroupFixture group;
-        group.actAs("alice");
-        ZIQGroupNoteDataProvider provider;
+        ZIQGroupNoteDataProvider provider(nullptr, { group.client("alice"), "alice", "Alice" });
         // Without the chat service a message goes straight to its group, without push information.
         const V2VORMessagePtr message = group.client("alice")->createCustomMessage("{}");
         message->setGroupID(group.groupID());
@@ -104,7 +118,8 @@ private Q_SLOTS:
         provider.sendNoteMessage(message, [&succeeded] { ++succeeded; }, {});
         QTRY_COMPARE(succeeded, 1);
         const auto record = group.server()->sendRecord(message->msgID());
-        // The push information is assembled but deliberately not handed over.
+        // The push information is assembled but not handed over: note messages go out without
+        // offline push from every client of these notes.
         QVERIFY(record && record->priority == 0 && !record->onlineUserOnly && !record->offlinePushInfo);
 
         // Through the chat service the result event answers whatever send is pending, once.

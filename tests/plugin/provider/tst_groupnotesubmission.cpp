@@ -70,6 +70,36 @@ private Q_SLOTS:
         QCOMPARE(provider->localShowLineNum(), 3 + 2 + 4 - 1);
     }
 
+    void previewRows_data()
+    {
+        QTest::addColumn<int>("entries");
+        QTest::addColumn<bool>("expanded");
+        QTest::addColumn<QString>("rows"); // "+" is the expand row
+        QTest::newRow("none") << 0 << false << "";
+        QTest::newRow("one") << 1 << false << "1";
+        QTest::newRow("two, both shown") << 2 << false << "1 2";
+        QTest::newRow("three, expand row and newest") << 3 << false << "+ 3";
+        QTest::newRow("five") << 5 << false << "+ 5";
+        QTest::newRow("five, expanded") << 5 << true << "1 2 3 4 5";
+    }
+    void previewRows()
+    {
+        QFETCH(int, entries);
+        QFETCH(bool, expanded);
+        ZIQGroupNoteEditingSession session(nullptr, {});
+        QList<V2VORMessageExtension> store;
+        for (int i = entries; i >= 1; --i)
+            store.append({ QStringLiteral("u_%1_0").arg(i), QString::number(i) });
+        session.info()->mergeExtensionList(store);
+        session.setIsExpandAll(expanded);
+        session.convertInfoToCellData();
+        QStringList rows;
+        for (const ZIQGroupNotePreviewCellDataPtr &row : session.previewDataList())
+            rows.append(row->isExpandRow() ? QStringLiteral("+") : row->item()->content());
+        QTEST(rows.join(u' '), "rows");
+        QCOMPARE(session.dataList().size(), entries); // the editor shows every entry
+    }
+
     void postedAndJoined()
     {
         Scene s;
@@ -88,10 +118,6 @@ private Q_SLOTS:
         const QString msgID = creator->message()->msgID();
         QTRY_COMPARE(storedShowLineNum(s, msgID), 1);
 
-        // Bob joins through the note and tells the group by a tips message pointing back at it.
-        const QJsonObject body = ZIQTool::jsonData2Dictionary(s.join("bob", msgID, "Bob: soup")->customElem()->data);
-        QCOMPARE(body.value("businessID").toString(), QStringLiteral("group_note_tips"));
-        QCOMPARE(body.value("content").toObject().value("original_msg_id").toString(), msgID);
 
         // Dave joined the group later: only a tips message is in his history, so he reaches the
         // note by group and sequence, where every write goes under a new generation.
@@ -106,18 +132,19 @@ private Q_SLOTS:
         QList<V2VORMessageExtension> stored = s.group.server()->extensionsOf(msgID);
         const QString base = stored.constLast().extensionKey.chopped(2);
         QVERIFY(base.startsWith(QLatin1String("dave_")));
-        QCOMPARE(stored.mid(4), // after "line 1", the settings, Bob's and Carol's lines
+        QCOMPARE(stored.mid(3), // after "line 1", the settings and Carol's line
             (QList<V2VORMessageExtension> {
                 { base + "_0", "Dave: tea" }, { base + "_1", ZIQGroupNoteExtensionKey::deletedMarker } }));
         // Reading through the note, Bob sees Dave's line gone and removes its first generation.
         const auto bob = s.open("bob", msgID);
-        stored.remove(4);
+        stored.remove(3);
         QTRY_COMPARE(s.group.server()->extensionsOf(msgID), stored);
     }
 
     void sequenceKeys()
     {
-        // Only the last character is read as the generation, deliberately: "_10" reads as 0.
+        // Only the last character is read as the generation, as every client of these notes reads
+        // it, so all of them agree on the keys: "_10" reads as 0.
         QCOMPARE(ZIQGroupNoteExtensionClient::sequenceWriteList(
                      { { "bob_1_3", "a" }, { "bob_2_3", "b" }, { "config", "c" }, { "bob_3_10", "d" } },
                      { { "bob_1_3", 1 }, { "bob_2_3", 0 }, { "bob_3_10", 1 } }),
@@ -139,6 +166,7 @@ private Q_SLOTS:
             "ZIQGroupNoteExceedDeadline", "Exceed deadline, collection stopped" };
         QTest::newRow("10 added, 10 modified") << Rule { false, 10, 10, 0, false, false, limitKey, limit };
         QTest::newRow("19 added, 19 emptied") << Rule { false, 19, 0, 19, false, false, {}, {} };
+        QTest::newRow("20 emptied") << Rule { false, 0, 0, 20, false, false, limitKey, limit };
         QTest::newRow("single, new line") << Rule { false, 1, 0, 0, true, false, "ZIQGroupNoteSubmitOnce", "You are not allow to submit" };
         QTest::newRow("single, line changed") << Rule { false, 0, 1, 0, true, false, {}, {} };
         QTest::newRow("single, line emptied") << Rule { false, 0, 0, 1, true, false, {}, {} };
@@ -177,22 +205,96 @@ private Q_SLOTS:
         QVERIFY(state() == before); // nothing sent, nothing written
     }
 
-    void concurrentWritersKeepTheirEntries()
+    void startedSubmissionFinishes_data()
+    {
+        QTest::addColumn<QString>("actor");
+        QTest::addColumn<QString>("through"); // what the actor's screen was opened over
+        QTest::addColumn<bool>("bySequence");
+        // clang-format off
+        QTest::newRow("new note") << "alice" << "" << false;
+        QTest::newRow("the note message") << "bob" << "note" << false;
+        QTest::newRow("a tips message, first message at hand") << "bob" << "tips" << false;
+        // Dave joined later: the note message is not in his history.
+        QTest::newRow("a tips message, first message not at hand") << "dave" << "tips" << true;
+        // clang-format on
+    }
+    void startedSubmissionFinishes()
+    {
+        QFETCH(QString, actor);
+        QFETCH(QString, through);
+        QFETCH(bool, bySequence);
+        Scene s;
+        // An empty note with one line of the actor's (once Carol's line is gone), so that the
+        // submission below changes the line count from 1 to 2.
+        const QString msgID = through.isEmpty() ? QString() : s.post(0);
+        s.group.addLateMember("dave");
+        QString openedOver = msgID;
+        if (!through.isEmpty()) {
+            const QString tipsID = s.join("carol", msgID, "Carol: rice")->msgID();
+            const auto carol = s.open("carol", msgID);
+            carol->info()->items().first()->setContent({});
+            QCOMPARE(s.submit(*carol, false)->code, 0);
+            openedOver = through == "tips" ? tipsID : msgID;
+            QVERIFY(s.join(actor, openedOver, "first"));
+        }
+        const int sequenceWrites = s.group.server()->callCount("setMessageExtensionsBySequence");
+        const int sentBefore = s.chat.handedOver.size();
+
+        // The member empties their line, adds two, presses Send and leaves at once.
+        auto provider = s.open(actor, openedOver);
+        if (!through.isEmpty())
+            provider->info()->items().constLast()->setContent({});
+        addLine(*provider, "one");
+        addLine(*provider, "two");
+        const auto outcome = std::make_shared<Answer>();
+        provider->submitInGroup({}, through.isEmpty(), record(outcome));
+        const QString noteID = through.isEmpty() ? provider->message()->msgID() : msgID;
+        provider.reset();
+
+        QTRY_COMPARE((s.clock.advance(500), outcome->calls), 1);
+        QCOMPARE(*outcome, (Answer { 0, through.isEmpty() ? kSetExtensionFailDesc : QString(), 1 }));
+        QCOMPARE(s.group.server()->callCount("setMessageExtensionsBySequence") > sequenceWrites, bySequence);
+        // Carol's client sees the lines, the line count and the message the actor's chat sent
+        // last: the note itself when new, else the tips message telling of the added lines. The
+        // count is rewritten on the note message, or, where it is not at hand, on the message the
+        // screen was opened over.
+        const QString countedOn = bySequence ? openedOver : noteID;
+        QTRY_COMPARE(
+            ZIQTool::jsonData2Dictionary(s.find("carol", countedOn)->customElem()->data).value("show_line_num").toInt(),
+            2);
+        QStringList seen;
+        const auto carol = s.open("carol", noteID);
+        for (const ZIQGroupNoteItemPtr &item : carol->info()->items())
+            seen.append(item->content());
+        QCOMPARE(seen, (QStringList { "one", "two" }));
+        QCOMPARE(s.chat.handedOver.size(), sentBefore + 1);
+        const V2VORMessagePtr sent = s.chat.handedOver.constLast();
+        V2VORMessagePtr received;
+        QTRY_VERIFY((received = s.find("carol", sent->msgID())));
+        QCOMPARE(received->sender(), actor);
+        QCOMPARE(ZIQTool::jsonData2Dictionary(received->customElem()->data).value("businessID").toString(),
+            through.isEmpty() ? "group_note" : "group_note_tips");
+    }
+
+    void usersOfOneProcessKeepTheirOwnEntries()
     {
         Scene s;
         const QString msgID = s.post();
         const auto alice = s.open("alice", msgID);
-        auto bob = s.open("bob", msgID);
+        const auto bob = s.open("bob", msgID);
         addLine(*bob, "bob");
+        addLine(*alice, "alice");
         const std::shared_ptr<Answer> outcomes[2] { std::make_shared<Answer>(), std::make_shared<Answer>() };
         bob->submitInGroup({}, false, record(outcomes[1]));
-        bob.reset(); // a screen closed at once: its change is still written and answered
-        s.group.actAs("alice");
-        addLine(*alice, "alice");
         alice->submitInGroup({}, false, record(outcomes[0]));
         QTRY_VERIFY(outcomes[0]->calls == 1 && outcomes[1]->calls == 1);
         QCOMPARE(outcomes[0]->code + outcomes[1]->code, 0);
-        QCOMPARE(s.stored(msgID), (QStringList { "line 1", "bob", "alice" }));
+        // Each screen writes as its own user and counts that user's lines as theirs.
+        QStringList authors;
+        for (const V2VORMessageExtension &extension : s.group.server()->extensionsOf(msgID))
+            authors.append(extension.extensionKey.section(u'_', 0, 0) + u':' + extension.extensionValue);
+        QCOMPARE(authors.mid(authors.size() - 2), (QStringList { "bob:bob", "alice:alice" }));
+        QVERIFY(alice->info()->isMyselfSubmitted() && !bob->info()->isMyselfSubmitted());
     }
 
     void staleShowLineNumRewrite()
