@@ -28,14 +28,8 @@ ZIQMessageCellDataPtr ZIQChatMessageList::cellData(int row) const
 
 int ZIQChatMessageList::rowOfMessage(const QString &msgID) const
 {
-    if (msgID.isEmpty())
-        return -1;
-    // Recent rows are asked for most, so search from the bottom.
-    for (int row = count() - 1; row >= 0; --row) {
-        if (m_rows[size_t(row)].data->msgID() == msgID)
-            return row;
-    }
-    return -1;
+    auto position = m_positionOfMsgID.constFind(msgID);
+    return position == m_positionOfMsgID.constEnd() ? -1 : int(*position - m_topPosition);
 }
 
 void ZIQChatMessageList::loadMessages(int pageSize)
@@ -59,7 +53,7 @@ void ZIQChatMessageList::loadMessages(int pageSize)
             if (self->rowOfMessage(message->msgID()) < 0)
                 page.prepend(message);
         }
-        self->insertRows(0, page);
+        self->insertRows(true, page);
         self->fetchReactions(page);
         self->markRead();
         Q_EMIT self->loadFinished(0, {});
@@ -179,21 +173,27 @@ void ZIQChatMessageList::onNotifyEvent(const QString &key, const QString &subKey
         invalidateSize(rowOfMessage(message->msgID()));
 }
 
-void ZIQChatMessageList::insertRows(int first, const QList<V2VORMessagePtr> &messages)
+void ZIQChatMessageList::insertRows(bool onTop, const QList<V2VORMessagePtr> &messages)
 {
     if (messages.isEmpty())
         return;
+    const int first = onTop ? 0 : count();
+    if (onTop)
+        m_topPosition -= messages.size();
     std::vector<Row> rows;
     rows.reserve(size_t(messages.size()));
-    for (const V2VORMessagePtr &message : messages)
+    for (const V2VORMessagePtr &message : messages) {
+        if (!message->msgID().isEmpty())
+            m_positionOfMsgID.insert(message->msgID(), m_topPosition + first + qint64(rows.size()));
         rows.push_back({ ZIQChatClassRegistry::instance().cellDataForMessage(message), {}, false });
+    }
     m_rows.insert(m_rows.begin() + first, std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
     Q_EMIT rowsInserted(first, int(messages.size()));
 }
 
 void ZIQChatMessageList::appendMessage(const V2VORMessagePtr &message)
 {
-    insertRows(count(), { message });
+    insertRows(false, { message });
 }
 
 void ZIQChatMessageList::changeRow(int row, bool sizeChanged)

@@ -14,6 +14,7 @@
 #include "sdk/V2VORCallbacks.h"
 #include "sdk/V2VORManager.h"
 
+#include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QSizeF>
@@ -88,7 +89,8 @@ private:
         bool measured = false;
     };
 
-    void insertRows(int first, const QList<V2VORMessagePtr> &messages);
+    /// Rows come on top (older history) or at the bottom (live and sent messages) only.
+    void insertRows(bool onTop, const QList<V2VORMessagePtr> &messages);
     void appendMessage(const V2VORMessagePtr &message);
     void changeRow(int row, bool sizeChanged);
     void fetchReactions(const QList<V2VORMessagePtr> &messages);
@@ -101,6 +103,10 @@ private:
     ZIQChatConversation m_conversation;
     QPointer<V2VORManager> m_client;
     std::vector<Row> m_rows;
+    /// Rows are never removed and only added at either end, so a message's row is its
+    /// position key minus the top row's key, and stays so as history arrives above it.
+    QHash<QString, qint64> m_positionOfMsgID;
+    qint64 m_topPosition = 0;
     bool m_hasMore = true;
     bool m_loading = false;
 };
