@@ -45,6 +45,18 @@ void ZIQChatClassRegistry::unregisterClass(const QString &name)
     m_cellClasses.remove(name);
 }
 
+const ZIQChatClassRegistry::CellDataClass *ZIQChatClassRegistry::cellDataClass(const QString &name) const
+{
+    auto found = m_cellDataClasses.constFind(name);
+    return found == m_cellDataClasses.constEnd() ? nullptr : &*found;
+}
+
+const ZIQChatClassRegistry::CellClass *ZIQChatClassRegistry::cellClass(const QString &name) const
+{
+    auto found = m_cellClasses.constFind(name);
+    return found == m_cellClasses.constEnd() ? nullptr : &*found;
+}
+
 void ZIQChatClassRegistry::appendCustomMessage(
     const QString &businessID, const QString &cellClassName, const QString &cellDataClassName)
 {
@@ -75,16 +87,16 @@ std::pair<const ZIQChatClassRegistry::CellDataClass *, QString> ZIQChatClassRegi
 {
     static const QString textData = QString::fromLatin1(ZIQTextMessageCellData::staticMetaObject.className());
     if (message.elemType() == V2VOR_ELEM_TYPE_TEXT)
-        return { &*m_cellDataClasses.constFind(textData), textCellName };
+        return { cellDataClass(textData), textCellName };
     const QString businessID = businessIDOf(message);
     const std::optional<CustomMessage> kind = customMessage(businessID);
-    auto dataClass = kind ? m_cellDataClasses.constFind(kind->cellDataClassName) : m_cellDataClasses.constEnd();
-    if (dataClass == m_cellDataClasses.constEnd()) {
+    const CellDataClass *dataClass = kind ? cellDataClass(kind->cellDataClassName) : nullptr;
+    if (!dataClass) {
         if (message.elemType() == V2VOR_ELEM_TYPE_CUSTOM)
             qCDebug(lcChat) << "no cell data class for businessID" << businessID << "of" << message.msgID();
         return { nullptr, unsupportedCellName };
     }
-    return { &*dataClass, kind->cellClassName };
+    return { dataClass, kind->cellClassName };
 }
 
 ZIQMessageCellDataPtr ZIQChatClassRegistry::cellDataForMessage(const V2VORMessagePtr &message) const
@@ -124,6 +136,6 @@ bool ZIQChatClassRegistry::canForwardMessage(const V2VORMessagePtr &message) con
 
 QSizeF ZIQChatClassRegistry::contentSizeOf(const ZIQMessageCellDataPtr &cellData) const
 {
-    auto cellClass = cellData ? m_cellClasses.constFind(cellData->cellClassName()) : m_cellClasses.constEnd();
-    return cellClass == m_cellClasses.constEnd() ? QSizeF() : cellClass->getContentSize(cellData);
+    const CellClass *operations = cellData ? cellClass(cellData->cellClassName()) : nullptr;
+    return operations ? operations->getContentSize(cellData) : QSizeF();
 }

@@ -54,6 +54,9 @@ public:
     void registerCellDataClass(const QString &name, const CellDataClass &operations);
     void registerCellClass(const QString &name, const CellClass &operations);
     void unregisterClass(const QString &name);
+    /// The operations registered under a class name; null for an unknown name.
+    const CellDataClass *cellDataClass(const QString &name) const;
+    const CellClass *cellClass(const QString &name) const;
 
     /// Ties a "businessID" to its classes; a later registration of the same ID replaces it.
     void appendCustomMessage(const QString &businessID, const QString &cellClassName, const QString &cellDataClassName);

@@ -2,12 +2,6 @@
 
 #include "kit/common/ZIQGlobalization.h"
 
-namespace {
-
-const QString kTextKey = QStringLiteral("ZIQKitNotSupportMessage");
-
-} // namespace
-
 ZIQUnsupportedMessageCellData::ZIQUnsupportedMessageCellData(ZIQMessageDirection direction, QObject *parent)
     : ZIQBubbleMessageCellData(direction, parent)
 {
@@ -27,9 +21,7 @@ std::shared_ptr<ZIQUnsupportedMessageCellData> ZIQUnsupportedMessageCellData::ge
 
 QString ZIQUnsupportedMessageCellData::getDisplayString(const V2VORMessagePtr &)
 {
-    // The string tables may not carry the kit's own key yet.
-    const QString text = ZIQGlobalization::getLocalizedStringForKey(kTextKey);
-    return text == kTextKey ? QStringLiteral("[Unsupported message]") : text;
+    return ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQKitNotSupportMessage"));
 }
 
 QString ZIQUnsupportedMessageCellData::content() const
