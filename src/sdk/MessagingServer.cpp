@@ -24,10 +24,20 @@ bool MessagingServer::hasUser(const QString &userID) const
 
 void MessagingServer::createGroup(const QString &groupID, const QStringList &memberIDs)
 {
+    const bool isNew = !d->conversations.contains(groupID);
     Private::Conversation &group = d->conversations[groupID];
     group.isGroup = true;
+    if (isNew)
+        group.orderKey = ++d->activityCounter;
     for (const QString &memberID : memberIDs)
         addGroupMember(groupID, memberID);
+}
+
+void MessagingServer::setGroupInfo(const QString &groupID, const QString &groupName, const QString &faceURL)
+{
+    Private::Conversation &group = d->conversations[groupID];
+    group.name = groupName;
+    group.faceURL = faceURL;
 }
 
 void MessagingServer::addGroupMember(const QString &groupID, const QString &userID, const QString &nameCard)

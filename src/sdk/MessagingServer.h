@@ -38,7 +38,9 @@ public:
     // Directory.
     void addUser(const QString &userID, const QString &nickName = {}, const QString &faceURL = {});
     bool hasUser(const QString &userID) const;
+    /// A new group counts as the latest activity of its members' conversation lists.
     void createGroup(const QString &groupID, const QStringList &memberIDs = {});
+    void setGroupInfo(const QString &groupID, const QString &groupName, const QString &faceURL = {});
     void addGroupMember(const QString &groupID, const QString &userID, const QString &nameCard = {});
     void setNameCard(const QString &groupID, const QString &userID, const QString &nameCard);
     /// The remark `viewerID` keeps for `targetID`.

@@ -12,13 +12,6 @@ CallError error(int code, const QString &desc)
     return { code, desc };
 }
 
-QString directConversationID(QString a, QString b)
-{
-    if (b < a)
-        std::swap(a, b);
-    return QStringLiteral("c2c:%1|%2").arg(a, b);
-}
-
 } // namespace
 
 std::optional<CallError> MessagingServer::Private::admit(const QStringList &operations)
@@ -65,7 +58,7 @@ QString MessagingServer::Private::conversationFor(
 {
     if (!groupID.isEmpty())
         return groupID;
-    const QString id = directConversationID(sender, receiver);
+    const QString id = directConversationKey(sender, receiver);
     Conversation &conversation = conversations[id];
     conversation.isGroup = false;
     conversation.members = { sender, receiver };
@@ -116,6 +109,8 @@ ServiceReply<V2VORMessagePtr> MessagingServer::Private::send(V2VORManager *calle
             return [client, copy = copyFor(msgID, userID)] { client->d->receiveNewMessage(copy); };
         },
         caller);
+    conversation.orderKey = ++activityCounter;
+    publishConversation(conversationID, conversation.members);
     return { {}, copyFor(msgID, sender) };
 }
 
@@ -124,12 +119,7 @@ ServiceReply<QList<V2VORMessagePtr>> MessagingServer::Private::history(
 {
     if (const CallError refused = checkConversation(userID, groupID))
         return { refused };
-    const QStringList &ids = conversations.value(groupID).messageIDs;
-    QList<V2VORMessagePtr> found;
-    qsizetype index = beforeSeq == 0 ? ids.size() : std::min<qsizetype>(beforeSeq - 1, ids.size());
-    while (--index >= 0 && found.size() < count)
-        found.append(copyFor(ids.at(index), userID));
-    return { {}, found };
+    return historyOf(groupID, userID, count, beforeSeq);
 }
 
 ServiceReply<V2VORMessagePtr> MessagingServer::Private::modify(const QString &userID, const V2VORMessage &message)
@@ -333,22 +323,20 @@ V2VORMessagePtr MessagingServer::Private::copyFor(const QString &msgID, const QS
         return nullptr;
     V2VORMessagePtr copy = stored->message->clone();
     copy->setIsSelf(copy->sender() == userID);
+    if (copy->groupID().isEmpty()) {
+        const QStringList members = conversations.value(stored->conversation).members;
+        copy->setUserID(members.value(members.indexOf(userID) == 0 ? 1 : 0));
+    }
     return copy;
 }
 
 void MessagingServer::Private::publish(const QString &conversation, const EventFactory &factory, V2VORManager *except)
 {
-    const QStringList members = conversations.value(conversation).members;
-    for (const QPointer<V2VORManager> &client : std::as_const(clients)) {
-        if (!client || client == except || client->getLoginStatus() == V2VOR_STATUS_LOGOUT)
-            continue;
-        const QString userID = client->getLoginUser();
-        if (!members.contains(userID))
-            continue;
-        std::function<void()> task = factory(client, userID);
-        if (holding)
-            heldEvents.append({ client, std::move(task) });
-        else
-            platform::MainQueue::async(client, std::move(task));
+    QStringList members = conversations.value(conversation).members;
+    members.removeDuplicates();
+    for (const QString &userID : members) {
+        publishTo(userID, [&](V2VORManager *client, const QString &viewer) -> std::function<void()> {
+            return client == except ? std::function<void()>() : factory(client, viewer);
+        });
     }
 }

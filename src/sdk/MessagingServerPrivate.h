@@ -6,6 +6,8 @@
 #include "sdk/ExtensionStore.h"
 #include "sdk/MessagingServer.h"
 #include "sdk/ServiceReply.h"
+#include "sdk/V2VORConversation.h"
+#include "sdk/V2VORGroupInfo.h"
 #include "sdk/V2VORUserFullInfo.h"
 
 #include <QHash>
@@ -28,6 +30,12 @@ public:
         QHash<QString, QString> nameCards;
         /// Message IDs in sequence order: the message with seq n is at n - 1.
         QStringList messageIDs;
+        QString name;
+        QString faceURL;
+        /// The service's activity counter at the conversation's latest activity.
+        quint64 orderKey = 0;
+        /// user ID -> the sequence up to which that member has read.
+        QHash<QString, quint64> readSeq;
     };
     struct StoredMessage
     {
@@ -46,6 +54,14 @@ public:
         const QString &receiver, const QString &groupID, const SendRecord &record);
     ServiceReply<QList<V2VORMessagePtr>> history(
         const QString &userID, const QString &groupID, int count, quint64 beforeSeq) const;
+    /// One-to-one history with `peerID`; empty while the two have exchanged nothing.
+    ServiceReply<QList<V2VORMessagePtr>> directHistory(
+        const QString &userID, const QString &peerID, int count, quint64 beforeSeq) const;
+    QList<V2VORConversation> conversationList(const QString &userID) const;
+    QList<V2VORGroupInfo> groupsInfo(const QString &userID, const QStringList &groupIDs) const;
+    /// Marks everything in the group (or the one-to-one chat with `peerID`) read for `userID`.
+    CallError markGroupRead(const QString &userID, const QString &groupID);
+    CallError markDirectRead(const QString &userID, const QString &peerID);
     ServiceReply<V2VORMessagePtr> modify(const QString &userID, const V2VORMessage &message);
     ServiceReply<QString> messageAt(const QString &userID, const QString &groupID, quint64 seq) const;
     ExtensionReply getExtensions(const QString &userID, const QString &msgID) const;
@@ -55,6 +71,8 @@ public:
     ServiceReply<QList<V2VORGroupMemberFullInfo>> members(
         const QString &userID, const QString &groupID, const QStringList &memberIDs) const;
     QList<V2VORUserFullInfo> usersInfo(const QStringList &userIDs) const;
+    /// The key of the one-to-one conversation of two users, whichever way round.
+    static QString directConversationKey(QString a, QString b);
     /// The service's message as `userID` would hold it; null when there is none.
     V2VORMessagePtr copyFor(const QString &msgID, const QString &userID) const;
 
@@ -64,6 +82,8 @@ public:
     QHash<QString, QHash<QString, QString>> friendRemarks;
     QHash<QString, StoredMessage> messages;
     quint64 lastMessageNumber = 0;
+    /// Grows with every conversation activity; orders the conversation lists.
+    quint64 activityCounter = 0;
     QList<QPointer<V2VORManager>> clients;
 
     QHash<QString, QList<CallError>> failures;
@@ -87,6 +107,14 @@ private:
     QString conversationFor(const QString &sender, const QString &receiver, const QString &groupID);
     /// Hands an event to every logged-in client of the conversation's members but `except`.
     void publish(const QString &conversation, const EventFactory &factory, V2VORManager *except = nullptr);
+    /// Hands an event to every logged-in client of `userID`.
+    void publishTo(const QString &userID, const EventFactory &factory);
+    /// Tells each of `userIDs` how the conversation now looks to them.
+    void publishConversation(const QString &conversation, const QStringList &userIDs);
+    V2VORConversation conversationAs(const QString &conversation, const QString &viewer) const;
+    ServiceReply<QList<V2VORMessagePtr>> historyOf(
+        const QString &conversation, const QString &userID, int count, quint64 beforeSeq) const;
+    void markRead(const QString &conversation, const QString &userID);
     void publishExtensionChange(const QString &msgID, const QList<V2VORMessageExtension> &changed,
         const QStringList &deleted, const QHash<QString, quint64> &versions);
     std::optional<V2VORMessageExtensionResult> injectedKeyFailure(const QString &key, const QString &value);

@@ -21,6 +21,7 @@ void adoptSentState(V2VORMessage &target, const V2VORMessage &source)
     target.setMsgID(source.msgID());
     target.setSeq(source.seq());
     target.setGroupID(source.groupID());
+    target.setUserID(source.userID());
     target.setSender(source.sender());
     target.setNickName(source.nickName());
     target.setFaceURL(source.faceURL());
@@ -28,14 +29,6 @@ void adoptSentState(V2VORMessage &target, const V2VORMessage &source)
     target.setIsSelf(source.isSelf());
     target.setStatus(source.status());
     target.setMessageVersion(source.messageVersion());
-}
-
-QList<V2VORMessagePtr> cloned(const QList<V2VORMessagePtr> &messages)
-{
-    QList<V2VORMessagePtr> copies;
-    for (const V2VORMessagePtr &message : messages)
-        copies.append(message->clone());
-    return copies;
 }
 
 } // namespace
@@ -186,12 +179,15 @@ void V2VORManager::getGroupHistoryMessageList(
 {
     if (auto refused = d->admit(QStringLiteral("getGroupHistoryMessageList")))
         return d->postFailure(fail, *refused);
-    const auto reply = d->service()->history(d->userID, groupID, count, lastMsg ? lastMsg->seq() : 0);
-    if (reply.error)
-        return d->postFailure(fail, reply.error);
-    for (const V2VORMessagePtr &message : reply.value)
-        d->remember(message);
-    d->postValue(succ, cloned(reply.value));
+    d->replyMessages(d->service()->history(d->userID, groupID, count, lastMsg ? lastMsg->seq() : 0), succ, fail);
+}
+
+void V2VORManager::getC2CHistoryMessageList(
+    const QString &userID, int count, const V2VORMessagePtr &lastMsg, MessageListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("getC2CHistoryMessageList")))
+        return d->postFailure(fail, *refused);
+    d->replyMessages(d->service()->directHistory(d->userID, userID, count, lastMsg ? lastMsg->seq() : 0), succ, fail);
 }
 
 void V2VORManager::modifyMessage(const V2VORMessagePtr &message, ModifyCompletion completion)
@@ -302,6 +298,40 @@ void V2VORManager::getGroupMembersInfo(
     d->postValue(succ, reply.value);
 }
 
+void V2VORManager::getGroupsInfo(const QStringList &groupIDs, GroupListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("getGroupsInfo")))
+        return d->postFailure(fail, *refused);
+    d->postValue(succ, d->service()->groupsInfo(d->userID, groupIDs));
+}
+
+void V2VORManager::getConversationList(ConversationListSucc succ, V2VORFail fail)
+{
+    if (auto refused = d->admit(QStringLiteral("getConversationList")))
+        return d->postFailure(fail, *refused);
+    d->postValue(succ, d->service()->conversationList(d->userID));
+}
+
+void V2VORManager::markGroupMessageAsRead(const QString &groupID, V2VORSucc succ, V2VORFail fail)
+{
+    auto refused = d->admit(QStringLiteral("markGroupMessageAsRead"));
+    if (!refused) {
+        if (const CallError error = d->service()->markGroupRead(d->userID, groupID))
+            refused = error;
+    }
+    d->postOutcome(succ, fail, refused);
+}
+
+void V2VORManager::markC2CMessageAsRead(const QString &userID, V2VORSucc succ, V2VORFail fail)
+{
+    auto refused = d->admit(QStringLiteral("markC2CMessageAsRead"));
+    if (!refused) {
+        if (const CallError error = d->service()->markDirectRead(d->userID, userID))
+            refused = error;
+    }
+    d->postOutcome(succ, fail, refused);
+}
+
 void V2VORManager::addAdvancedMsgListener(V2VORAdvancedMsgListener *listener)
 {
     if (listener && !d->listeners.contains(listener))
@@ -311,6 +341,17 @@ void V2VORManager::addAdvancedMsgListener(V2VORAdvancedMsgListener *listener)
 void V2VORManager::removeAdvancedMsgListener(V2VORAdvancedMsgListener *listener)
 {
     d->listeners.removeAll(listener);
+}
+
+void V2VORManager::addConversationListener(V2VORConversationListener *listener)
+{
+    if (listener && !d->conversationListeners.contains(listener))
+        d->conversationListeners.append(listener);
+}
+
+void V2VORManager::removeConversationListener(V2VORConversationListener *listener)
+{
+    d->conversationListeners.removeAll(listener);
 }
 
 QStringList V2VORManager::writtenLogs() const

@@ -20,6 +20,8 @@
 #pragma once
 
 #include "sdk/V2VORCallbacks.h"
+#include "sdk/V2VORConversation.h"
+#include "sdk/V2VORGroupInfo.h"
 #include "sdk/V2VORGroupMemberFullInfo.h"
 #include "sdk/V2VORMessage.h"
 #include "sdk/V2VORMessageExtension.h"
@@ -36,6 +38,7 @@
 
 class MessagingServer;
 class V2VORAdvancedMsgListener;
+class V2VORConversationListener;
 
 enum V2VORLoginStatus : int {
     V2VOR_STATUS_LOGINED = 1,
@@ -62,6 +65,8 @@ public:
     using UserListSucc = V2VORValueSucc<QList<V2VORUserFullInfo>>;
     using ModifyCompletion = std::function<void(int code, const QString &desc, const V2VORMessagePtr &message)>;
     using ExperimentalSucc = V2VORValueSucc<QVariant>;
+    using ConversationListSucc = V2VORValueSucc<QList<V2VORConversation>>;
+    using GroupListSucc = V2VORValueSucc<QList<V2VORGroupInfo>>;
 
     explicit V2VORManager(MessagingServer *server, QObject *parent = nullptr);
     ~V2VORManager() override;
@@ -94,6 +99,10 @@ public:
     /// `lastMsg` when given, and keeps them in the local history.
     void getGroupHistoryMessageList(const QString &groupID, int count, const V2VORMessagePtr &lastMsg,
                                     MessageListSucc succ, V2VORFail fail);
+    /// The one-to-one history with `userID`, as getGroupHistoryMessageList; empty while the two
+    /// have exchanged nothing.
+    void getC2CHistoryMessageList(
+        const QString &userID, int count, const V2VORMessagePtr &lastMsg, MessageListSucc succ, V2VORFail fail);
     /// Replaces the message's custom data on the service. A copy older than the service's
     /// answers V2VOR_ERR_MESSAGE_MODIFY_CONFLICT with the current message.
     void modifyMessage(const V2VORMessagePtr &message, ModifyCompletion completion);
@@ -118,9 +127,21 @@ public:
     void getGroupMembersInfo(const QString &groupID, const QStringList &memberList, MemberListSucc succ,
                              V2VORFail fail);
 
+    /// Profiles of the groups the user belongs to; other IDs are left out.
+    void getGroupsInfo(const QStringList &groupIDs, GroupListSucc succ, V2VORFail fail);
+
+    // Conversations.
+    /// The user's groups and one-to-one chats, latest activity first.
+    void getConversationList(ConversationListSucc succ, V2VORFail fail);
+    /// Marks everything received so far read; the user's clients hear the conversation change.
+    void markGroupMessageAsRead(const QString &groupID, V2VORSucc succ, V2VORFail fail);
+    void markC2CMessageAsRead(const QString &userID, V2VORSucc succ, V2VORFail fail);
+
     // Listeners.
     void addAdvancedMsgListener(V2VORAdvancedMsgListener *listener);
     void removeAdvancedMsgListener(V2VORAdvancedMsgListener *listener);
+    void addConversationListener(V2VORConversationListener *listener);
+    void removeConversationListener(V2VORConversationListener *listener);
 
     /// Lines written with "writeLog", oldest first.
     QStringList writtenLogs() const;
@@ -128,6 +149,7 @@ public:
 private:
     friend class MessagingServer;
     friend class V2VORAdvancedMsgListener;
+    friend class V2VORConversationListener;
     class Private;
     std::unique_ptr<Private> d;
 };

@@ -2,6 +2,7 @@
 
 #include "platform/MainQueue.h"
 #include "sdk/V2VORAdvancedMsgListener.h"
+#include "sdk/V2VORConversationListener.h"
 
 V2VORManager::Private::Private(V2VORManager *q, MessagingServer *server)
     : q(q)
@@ -47,10 +48,34 @@ void V2VORManager::Private::postFailure(const V2VORFail &fail, const CallError &
     });
 }
 
+void V2VORManager::Private::postOutcome(
+    const V2VORSucc &succ, const V2VORFail &fail, const std::optional<CallError> &error)
+{
+    if (error)
+        return postFailure(fail, *error);
+    post([succ] {
+        if (succ)
+            succ();
+    });
+}
+
 void V2VORManager::Private::remember(const V2VORMessagePtr &copy)
 {
     if (copy && !copy->msgID().isEmpty())
         history.insert(copy->msgID(), copy->clone());
+}
+
+void V2VORManager::Private::replyMessages(
+    const ServiceReply<QList<V2VORMessagePtr>> &reply, const MessageListSucc &succ, const V2VORFail &fail)
+{
+    if (reply.error)
+        return postFailure(fail, reply.error);
+    QList<V2VORMessagePtr> copies;
+    for (const V2VORMessagePtr &message : reply.value) {
+        remember(message);
+        copies.append(message->clone());
+    }
+    postValue(succ, copies);
 }
 
 void V2VORManager::Private::learnVersions(const QString &msgID, const QHash<QString, quint64> &learned)
@@ -105,6 +130,15 @@ void V2VORManager::Private::receiveExtensionsDeleted(
 {
     learnVersions(msgID, learned);
     notifyListeners([&](V2VORAdvancedMsgListener *listener) { listener->onRecvMessageExtensionsDeleted(msgID, keys); });
+}
+
+void V2VORManager::Private::receiveConversationChanged(const V2VORConversation &conversation)
+{
+    const QList<V2VORConversationListener *> current = conversationListeners;
+    for (V2VORConversationListener *listener : current) {
+        if (conversationListeners.contains(listener))
+            listener->onConversationChanged({ conversation });
+    }
 }
 
 void V2VORManager::Private::notifyListeners(const std::function<void(V2VORAdvancedMsgListener *)> &call)

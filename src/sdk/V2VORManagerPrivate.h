@@ -23,6 +23,8 @@ public:
     /// Runs `task` on a later turn of the main queue, unless this client is gone by then.
     void post(std::function<void()> task);
     void postFailure(const V2VORFail &fail, const CallError &error);
+    /// Answers `fail` with the error when there is one, else `succ`.
+    void postOutcome(const V2VORSucc &succ, const V2VORFail &fail, const std::optional<CallError> &error);
     template<typename T> void postValue(const V2VORValueSucc<T> &succ, const T &value)
     {
         post([succ, value] {
@@ -32,6 +34,9 @@ public:
     }
 
     void remember(const V2VORMessagePtr &copy);
+    /// Keeps the messages of a history page and answers the caller with copies of them.
+    void replyMessages(
+        const ServiceReply<QList<V2VORMessagePtr>> &reply, const MessageListSucc &succ, const V2VORFail &fail);
     void learnVersions(const QString &msgID, const QHash<QString, quint64> &versions);
     QHash<QString, quint64> seenVersions(const QString &msgID) const;
     void replyExtensionResults(const ExtensionReply &reply, const ExtensionResultSucc &succ, const V2VORFail &fail);
@@ -44,6 +49,7 @@ public:
         const QString &msgID, const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &versions);
     void receiveExtensionsDeleted(
         const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions);
+    void receiveConversationChanged(const V2VORConversation &conversation);
 
     V2VORManager *q;
     QPointer<MessagingServer> server;
@@ -53,6 +59,7 @@ public:
     /// msgID -> key -> version
     QHash<QString, QHash<QString, quint64>> versions;
     QList<V2VORAdvancedMsgListener *> listeners;
+    QList<V2VORConversationListener *> conversationListeners;
     QStringList logs;
 
 private:

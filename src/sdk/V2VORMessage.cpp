@@ -6,6 +6,7 @@ V2VORMessagePtr V2VORMessage::clone() const
     copy->m_msgID = m_msgID;
     copy->m_seq = m_seq;
     copy->m_groupID = m_groupID;
+    copy->m_userID = m_userID;
     copy->m_sender = m_sender;
     copy->m_nickName = m_nickName;
     copy->m_faceURL = m_faceURL;

@@ -34,6 +34,10 @@ public:
     void setSeq(quint64 seq) { m_seq = seq; }
     QString groupID() const { return m_groupID; }
     void setGroupID(const QString &groupID) { m_groupID = groupID; }
+    /// The other user of a one-to-one message, as seen by the client holding this copy;
+    /// empty for a group message.
+    QString userID() const { return m_userID; }
+    void setUserID(const QString &userID) { m_userID = userID; }
     /// User ID of the sender.
     QString sender() const { return m_sender; }
     void setSender(const QString &sender) { m_sender = sender; }
@@ -75,6 +79,7 @@ private:
     QString m_msgID;
     quint64 m_seq = 0;
     QString m_groupID;
+    QString m_userID;
     QString m_sender;
     QString m_nickName;
     QString m_faceURL;

@@ -24,6 +24,14 @@ inline V2VORMessagePtr sendToGroup(
     return sent.wait() && sent.code() == 0 ? message : nullptr;
 }
 
+/// The sent text message, or null when the send failed or never answered.
+inline V2VORMessagePtr sendText(V2VORManager *client, const QString &groupID, const QString &text)
+{
+    const V2VORMessagePtr message = client->createTextMessage(text);
+    const CallOutcome<> sent = send(client, message, groupID);
+    return sent.wait() && sent.code() == 0 ? message : nullptr;
+}
+
 /// The client's own copy of a message: null unless it sent, received or fetched it.
 inline V2VORMessagePtr localCopy(V2VORManager *client, const QString &msgID)
 {

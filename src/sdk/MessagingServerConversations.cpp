@@ -1,0 +1,142 @@
+// The service's conversations as each member sees them: the list ordered by latest activity,
+// read marks and unread counts, one-to-one history, group profiles, and the conversation
+// events that keep every member's list current.
+#include "sdk/MessagingServerPrivate.h"
+
+#include "platform/MainQueue.h"
+#include "sdk/V2VORManagerPrivate.h"
+
+#include <algorithm>
+
+QString MessagingServer::Private::directConversationKey(QString a, QString b)
+{
+    if (b < a)
+        std::swap(a, b);
+    return QStringLiteral("c2c:%1|%2").arg(a, b);
+}
+
+ServiceReply<QList<V2VORMessagePtr>> MessagingServer::Private::historyOf(
+    const QString &conversation, const QString &userID, int count, quint64 beforeSeq) const
+{
+    const QStringList &ids = conversations.value(conversation).messageIDs;
+    QList<V2VORMessagePtr> found;
+    qsizetype index = beforeSeq == 0 ? ids.size() : std::min<qsizetype>(beforeSeq - 1, ids.size());
+    while (--index >= 0 && found.size() < count)
+        found.append(copyFor(ids.at(index), userID));
+    return { {}, found };
+}
+
+ServiceReply<QList<V2VORMessagePtr>> MessagingServer::Private::directHistory(
+    const QString &userID, const QString &peerID, int count, quint64 beforeSeq) const
+{
+    if (peerID.isEmpty() || !users.contains(peerID))
+        return { { V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(peerID) } };
+    return historyOf(directConversationKey(userID, peerID), userID, count, beforeSeq);
+}
+
+V2VORConversation MessagingServer::Private::conversationAs(const QString &key, const QString &viewer) const
+{
+    const Conversation &conversation = conversations[key];
+    V2VORConversation seen;
+    seen.type = conversation.isGroup ? V2VOR_GROUP : V2VOR_C2C;
+    if (conversation.isGroup) {
+        seen.groupID = key;
+        seen.conversationID = QStringLiteral("group_") + key;
+        seen.showName = conversation.name.isEmpty() ? key : conversation.name;
+        seen.faceURL = conversation.faceURL;
+    } else {
+        const QStringList &members = conversation.members;
+        seen.userID = members.value(members.indexOf(viewer) == 0 ? 1 : 0);
+        seen.conversationID = QStringLiteral("c2c_") + seen.userID;
+        const User peer = users.value(seen.userID);
+        seen.showName = peer.nickName.isEmpty() ? seen.userID : peer.nickName;
+        seen.faceURL = peer.faceURL;
+    }
+    if (!conversation.messageIDs.isEmpty())
+        seen.lastMessage = copyFor(conversation.messageIDs.constLast(), viewer);
+    for (qsizetype i = qsizetype(conversation.readSeq.value(viewer)); i < conversation.messageIDs.size(); ++i) {
+        if (messages.value(conversation.messageIDs.at(i)).message->sender() != viewer)
+            ++seen.unreadCount;
+    }
+    seen.orderKey = conversation.orderKey;
+    return seen;
+}
+
+QList<V2VORConversation> MessagingServer::Private::conversationList(const QString &userID) const
+{
+    QList<V2VORConversation> list;
+    for (auto it = conversations.cbegin(); it != conversations.cend(); ++it) {
+        if (it->members.contains(userID))
+            list.append(conversationAs(it.key(), userID));
+    }
+    // Equal keys (groups never active) fall back to the ID, so every client lists alike.
+    std::sort(list.begin(), list.end(), [](const V2VORConversation &a, const V2VORConversation &b) {
+        return a.orderKey != b.orderKey ? a.orderKey > b.orderKey : a.conversationID < b.conversationID;
+    });
+    return list;
+}
+
+QList<V2VORGroupInfo> MessagingServer::Private::groupsInfo(const QString &userID, const QStringList &groupIDs) const
+{
+    QList<V2VORGroupInfo> found;
+    for (const QString &groupID : groupIDs) {
+        if (!checkConversation(userID, groupID)) {
+            const Conversation &group = conversations[groupID];
+            found.append({ groupID, group.name, group.faceURL });
+        }
+    }
+    return found;
+}
+
+CallError MessagingServer::Private::markGroupRead(const QString &userID, const QString &groupID)
+{
+    if (const CallError refused = checkConversation(userID, groupID))
+        return refused;
+    markRead(groupID, userID);
+    return {};
+}
+
+CallError MessagingServer::Private::markDirectRead(const QString &userID, const QString &peerID)
+{
+    if (peerID.isEmpty() || !users.contains(peerID))
+        return { V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(peerID) };
+    const QString key = directConversationKey(userID, peerID);
+    if (conversations.contains(key))
+        markRead(key, userID);
+    return {};
+}
+
+void MessagingServer::Private::markRead(const QString &conversation, const QString &userID)
+{
+    Conversation &marked = conversations[conversation];
+    const quint64 last = quint64(marked.messageIDs.size());
+    if (marked.readSeq.value(userID) == last)
+        return;
+    marked.readSeq.insert(userID, last);
+    publishConversation(conversation, { userID });
+}
+
+void MessagingServer::Private::publishConversation(const QString &conversation, const QStringList &userIDs)
+{
+    for (const QString &userID : userIDs) {
+        publishTo(userID, [this, conversation](V2VORManager *client, const QString &viewer) -> std::function<void()> {
+            return
+                [client, seen = conversationAs(conversation, viewer)] { client->d->receiveConversationChanged(seen); };
+        });
+    }
+}
+
+void MessagingServer::Private::publishTo(const QString &userID, const EventFactory &factory)
+{
+    for (const QPointer<V2VORManager> &client : std::as_const(clients)) {
+        if (!client || client->getLoginStatus() == V2VOR_STATUS_LOGOUT || client->getLoginUser() != userID)
+            continue;
+        std::function<void()> task = factory(client, userID);
+        if (!task)
+            continue;
+        if (holding)
+            heldEvents.append({ client, std::move(task) });
+        else
+            platform::MainQueue::async(client, std::move(task));
+    }
+}
