@@ -11,7 +11,7 @@ namespace platform {
 class Switch : public QWidget
 {
     Q_OBJECT
-    Q_PROPERTY(bool on READ isOn WRITE setOn NOTIFY toggled)
+    Q_PROPERTY(bool on READ isOn WRITE setOn)
     Q_PROPERTY(qreal knobPosition READ knobPosition WRITE setKnobPosition)
 
 public:

@@ -134,6 +134,11 @@ private Q_SLOTS:
         auto *cell = phone.cell<ZIQCommonSwitchCell>(0);
         QVERIFY(cell);
         QCOMPARE(cell->switcher()->accessibleName(), QStringLiteral("Notify the group"));
+        // Title at the leading margin, switch at the trailing one, both centred across the row.
+        const QRect switchFrame(cell->switcher()->mapTo(cell, QPoint()), cell->switcher()->size());
+        QCOMPARE(switchFrame.right() + 1, cell->width() - 16);
+        QCOMPARE(switchFrame.center().y(), cell->rect().center().y());
+        QCOMPARE(cell->titleLabel()->x(), 16);
 
         QTest::mouseClick(cell->switcher(), Qt::LeftButton);
         // The row's state follows the flip whether or not anyone hears of it.
