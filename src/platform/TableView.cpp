@@ -458,8 +458,11 @@ bool TableView::handlePointer(TableViewCell *cell, QMouseEvent *event)
         if (press.cell)
             press.cell->setHighlighted(false);
         const IndexPath path = indexPathForCell(press.cell);
-        if (!press.dragging && press.cell == cell && path.isValid() && m_delegate)
-            m_delegate->didSelectRow(this, path);
+        if (!press.dragging && press.cell == cell && path.isValid()) {
+            Q_EMIT cell->tapped();
+            if (m_delegate)
+                m_delegate->didSelectRow(this, path);
+        }
     }
     event->accept();
     return true;

@@ -45,6 +45,11 @@ public:
     bool isHighlighted() const { return m_highlighted; }
     void setHighlighted(bool highlighted);
 
+Q_SIGNALS:
+    /// The user tapped the row: pressed and let go on it without scrolling. The table sends
+    /// this before it tells its delegate, so a cell can act on its own taps.
+    void tapped();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

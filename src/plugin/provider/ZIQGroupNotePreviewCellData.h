@@ -2,6 +2,7 @@
 // "ZIQGroupNoteExpand" text is the expand row of a collapsed card.
 #pragma once
 
+#include "kit/common/ZIQCommonTextCellData.h"
 #include "plugin/model/ZIQGroupNoteItem.h"
 
 #include <memory>
@@ -9,8 +10,10 @@
 class ZIQGroupNotePreviewCellData;
 using ZIQGroupNotePreviewCellDataPtr = std::shared_ptr<ZIQGroupNotePreviewCellData>;
 
-class ZIQGroupNotePreviewCellData
+class ZIQGroupNotePreviewCellData : public ZIQCommonTextCellData
 {
+    Q_OBJECT
+
 public:
     explicit ZIQGroupNotePreviewCellData(const ZIQGroupNoteItemPtr &item = {})
         : m_item(item)

@@ -1,6 +1,6 @@
 #include "plugin/provider/ZIQGroupNoteTextFieldCellData.h"
 
-double ZIQGroupNoteTextFieldCellData::heightOfWidth(double) const
+qreal ZIQGroupNoteTextFieldCellData::heightOfWidth(qreal) const
 {
     return 46;
 }

@@ -2,6 +2,7 @@
 // accepting input once it has passed) and the names of the editor's actions the row reports.
 #pragma once
 
+#include "kit/common/ZIQCommonCellData.h"
 #include "plugin/model/ZIQGroupNoteItem.h"
 
 #include <QByteArray>
@@ -10,8 +11,10 @@
 class ZIQGroupNoteTextFieldCellData;
 using ZIQGroupNoteTextFieldCellDataPtr = std::shared_ptr<ZIQGroupNoteTextFieldCellData>;
 
-class ZIQGroupNoteTextFieldCellData
+class ZIQGroupNoteTextFieldCellData : public ZIQCommonCellData
 {
+    Q_OBJECT
+
 public:
     explicit ZIQGroupNoteTextFieldCellData(const ZIQGroupNoteItemPtr &item = {})
         : m_item(item)
@@ -31,7 +34,7 @@ public:
     QByteArray onRepeatButtonClickedSelector() const { return m_onRepeatButtonClickedSelector; }
     void setOnRepeatButtonClickedSelector(const QByteArray &selector) { m_onRepeatButtonClickedSelector = selector; }
 
-    double heightOfWidth(double width) const;
+    qreal heightOfWidth(qreal width) const override;
 
 private:
     ZIQGroupNoteItemPtr m_item;

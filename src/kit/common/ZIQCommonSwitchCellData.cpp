@@ -1,0 +1,6 @@
+#include "kit/common/ZIQCommonSwitchCellData.h"
+
+ZIQCommonSwitchCellData::ZIQCommonSwitchCellData(QObject *parent)
+    : ZIQCommonCellData(parent)
+{
+}

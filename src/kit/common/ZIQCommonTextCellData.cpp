@@ -1,0 +1,6 @@
+#include "kit/common/ZIQCommonTextCellData.h"
+
+ZIQCommonTextCellData::ZIQCommonTextCellData(QObject *parent)
+    : ZIQCommonCellData(parent)
+{
+}
