@@ -75,7 +75,7 @@ qreal ZIQBubbleMessageCell::maxBubbleWidth()
 QSizeF ZIQBubbleMessageCell::reactionAppendSize(const ZIQMessageReactions &reactions)
 {
     if (reactions.isEmpty())
-        return {};
+        return { 0, 0 };
     const QSizeF strip = ZIQReactionStrip::sizeFor(reactions, maxBubbleWidth() - 2 * StripInset);
     return { strip.width() + 2 * StripInset, strip.height() + StripInset };
 }
@@ -83,7 +83,7 @@ QSizeF ZIQBubbleMessageCell::reactionAppendSize(const ZIQMessageReactions &react
 QSizeF ZIQBubbleMessageCell::containerSize(const ZIQBubbleMessageCellData &data, const QSizeF &contentSize)
 {
     const QSizeF content = contentSize.isValid() ? contentSize : QSizeF(0, 0);
-    const QSizeF append = data.messageContainerAppendSize();
+    const QSizeF append = data.messageContainerAppendSize().isValid() ? data.messageContainerAppendSize() : QSizeF(0, 0);
     return { std::ceil(std::max(content.width(), append.width())), std::ceil(content.height() + append.height()) };
 }
 
@@ -151,17 +151,17 @@ void ZIQBubbleMessageCell::layoutMessage()
     const QSizeF box = containerSize(*data, contentSize());
     const qreal avatarX = outgoing ? width - AvatarMargin - AvatarSize : AvatarMargin;
     m_avatarView->setGeometry(QRectF(avatarX, RowPadding, AvatarSize, AvatarSize).toRect());
-    const qreal nameHeight = m_nameLabel->isVisible() ? NameHeight : 0;
+    const qreal nameHeight = showsSenderName(*data) ? NameHeight : 0;
     const qreal innerEdge = AvatarMargin + AvatarSize + AvatarSpacing;
     const qreal x = outgoing ? width - innerEdge - box.width() : innerEdge;
-    const QRect container = QRectF(QPointF(x, RowPadding + nameHeight), box).toRect();
+    const QRect container(QPoint(qRound(x), qRound(RowPadding + nameHeight)), box.toSize());
     m_nameLabel->setGeometry(QRectF(innerEdge, RowPadding - 2, maxBubbleWidth(), NameHeight).toRect());
     m_container->setGeometry(container);
     m_bubbleView->setGeometry(container);
     const int status = ZIQMessageStatusView::Size;
     m_statusView->move(container.left() - 6 - status, container.center().y() - status / 2);
     const QSizeF strip = ZIQReactionStrip::sizeFor(data->reactions(), maxBubbleWidth() - 2 * StripInset);
-    const qreal contentHeight = box.height() - data->messageContainerAppendSize().height();
+    const qreal contentHeight = box.height() - strip.height() - (strip.isEmpty() ? 0 : StripInset);
     m_reactionStrip->setGeometry(QRectF(QPointF(StripInset, contentHeight), strip).toAlignedRect());
     m_reactionStrip->raise();
 }
