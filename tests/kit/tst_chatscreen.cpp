@@ -14,6 +14,7 @@
 #include "kit/chat/ZIQReactionMenu.h"
 #include "kit/chat/ZIQReactionStrip.h"
 #include "kit/chat/ZIQSystemMessageCell.h"
+#include "kit/chat/ZIQSystemMessageCellData.h"
 #include "kit/chat/ZIQTextMessageCell.h"
 #include "kit/common/ZIQThemeManager.h"
 #include "kit/core/ZIQExtensionProtocol.h"
@@ -49,6 +50,22 @@ public:
         ZIQBubbleMessageCell::fillWithData(data);
     }
     static inline QStringList log;
+};
+
+/// A notice row ("Carol pinned a message"): the body's "notice" text, centred.
+class NoticeCellData : public ZIQSystemMessageCellData
+{
+    Q_OBJECT
+
+public:
+    using ZIQSystemMessageCellData::ZIQSystemMessageCellData;
+    static std::shared_ptr<NoticeCellData> getCellData(const V2VORMessagePtr &message)
+    {
+        auto data = std::make_shared<NoticeCellData>(directionOf(*message));
+        const QJsonObject body = ZIQTool::jsonData2Dictionary(message->customElem()->data);
+        data->setAttributedString(ZIQAttributedString(body.value("notice").toString()));
+        return data;
+    }
 };
 
 /// The "more" panel's provider: one item in group chats, none elsewhere; keeps what it was
@@ -113,6 +130,9 @@ private Q_SLOTS:
         QVERIFY(registerSheetKind());
         ZIQChatClassRegistry::instance().registerCellClass<PollCell>();
         QVERIFY(appendKind("poll", "PollCell", "SheetCellData"));
+        ZIQChatClassRegistry::instance().registerCellDataClass<NoticeCellData>();
+        ZIQBaseChatViewController::registerKitCells();
+        QVERIFY(appendKind("notice", ZIQChatClassRegistry::systemCellName, "NoticeCellData"));
     }
 
     void registeredRowsAreMeasuredBeforeTheyAreFilled()
@@ -311,6 +331,48 @@ private Q_SLOTS:
         QTest::mouseClick(aliceStrip, Qt::LeftButton, {}, aliceStrip->chipRect(0).center().toPoint());
         QTRY_COMPARE(atBob.chat->messageList()->cellData(0)->reactions().reactions().value(0).userIDs,
             QStringList { "bob" });
+    }
+
+    /// A group chat with both directions, a notice, reactions and the "more" panel, light and
+    /// dark, into $ZIQ_PICTURES_DIR.
+    void pictures()
+    {
+        if (qEnvironmentVariableIsEmpty("ZIQ_PICTURES_DIR"))
+            QSKIP("ZIQ_PICTURES_DIR is not set");
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        group.actAs("alice");
+        V2VORManager *alice = group.client("alice");
+        QVERIFY(sendText(group.client("bob"), group.groupID(), "Who is coming to the picnic on Saturday?"));
+        QVERIFY(sendToGroup(group.client("carol"), group.groupID(),
+            R"({"businessID":"notice","notice":"Carol pinned the sign-up sheet"})"));
+        const V2VORMessagePtr question = sendToGroup(group.client("carol"), group.groupID(), sheetBody(0, "x"));
+        QVERIFY(question);
+        MoreProvider provider;
+        ZIQCore::registerExtension(ZIQCore_ZIQChatExtension_InputViewMoreItem_ClassicExtensionID, &provider);
+        OpenChat open({ group.groupID(), {} }, alice);
+        QVERIFY(open.waitLoaded(3));
+        for (const char *text : { "Me! I'll bring lemonade 🍋", "Can we start at 11?" }) {
+            open.chat->inputController()->textField()->setText(QString::fromUtf8(text));
+            QTest::keyClick(open.chat->inputController()->textField(), Qt::Key_Return);
+        }
+        QTRY_COMPARE(open.chat->messageList()->count(), 5);
+        QTRY_VERIFY(open.chat->messageList()->cellData(4)->status() == ZIQMessageStatus::Sent);
+        open.chat->messageList()->setReaction(open.chat->messageList()->cellData(3)->msgID(), "👍");
+        ZIQChatMessageList atBob({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(loadAndWait(atBob));
+        atBob.setReaction(open.chat->messageList()->cellData(3)->msgID(), "❤️");
+        atBob.setReaction(open.chat->messageList()->cellData(0)->msgID(), "👍");
+        QTRY_COMPARE(open.chat->messageList()->cellData(3)->reactions().reactions().size(), 2);
+        QTest::mouseClick(open.chat->inputController()->moreButton(), Qt::LeftButton);
+        ZIQCore::unRegisterExtension(&provider);
+        for (const QString &theme : { ZIQThemeLight, ZIQThemeDark }) {
+            ZIQThemeManager::shareManager()->applyTheme(theme);
+            QCoreApplication::processEvents();
+            const QString path = qEnvironmentVariable("ZIQ_PICTURES_DIR") + "/chat-" + theme + ".png";
+            QVERIFY(open.navigation.view()->grab().save(path));
+        }
+        ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight);
     }
 };
 
