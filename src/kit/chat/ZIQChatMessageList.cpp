@@ -134,6 +134,9 @@ QString ZIQChatMessageList::sendMessage(
 QString ZIQChatMessageList::sendTextMessage(const QString &text, V2VORSucc succ, V2VORFail fail)
 {
     const V2VORMessagePtr message = m_client ? m_client->createTextMessage(text) : nullptr;
+    // Members react to a message through its extensions, so the message must carry them.
+    if (message)
+        message->setSupportMessageExtension(true);
     ZIQSendMessageAppendParams params;
     params.isSendPushInfo = true;
     return sendMessage(message, params, std::move(succ), std::move(fail));

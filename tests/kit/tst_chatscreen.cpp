@@ -1,0 +1,380 @@
+// The conversation screen on groups of real clients: rows built by registered class and
+// measured before they are filled, one cell data per message however cells are reused, one
+// row re-measured on a plug-in's size change, the "more" panel's question, messages and
+// reactions arriving live, and failed sends shown as failed.
+#include "ChatTestSupport.h"
+#include "sdk/ClientCalls.h"
+#include "support/GroupFixture.h"
+
+#include "kit/chat/ZIQBaseChatViewController.h"
+#include "kit/chat/ZIQBubbleMessageCell.h"
+#include "kit/chat/ZIQChatInputController.h"
+#include "kit/chat/ZIQChatMorePanel.h"
+#include "kit/chat/ZIQMessageStatusView.h"
+#include "kit/chat/ZIQReactionMenu.h"
+#include "kit/chat/ZIQReactionStrip.h"
+#include "kit/chat/ZIQSystemMessageCell.h"
+#include "kit/chat/ZIQSystemMessageCellData.h"
+#include "kit/chat/ZIQTextMessageCell.h"
+#include "kit/common/ZIQThemeManager.h"
+#include "kit/core/ZIQExtensionProtocol.h"
+#include "platform/NavigationController.h"
+#include "platform/Screen.h"
+#include "platform/TableView.h"
+#include "platform/TextField.h"
+
+#include <QContextMenuEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QToolButton>
+
+/// A poll row: as tall as its body's "lines" say; logs every measure and fill by message ID.
+class PollCell : public ZIQBubbleMessageCell
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE explicit PollCell(const QString &reuseIdentifier = {}, QWidget *parent = nullptr)
+        : ZIQBubbleMessageCell(reuseIdentifier, parent)
+    {
+    }
+    static QSizeF getContentSize(ZIQMessageCellData *data)
+    {
+        log << QStringLiteral("measure:") + data->msgID();
+        const QJsonObject body = ZIQTool::jsonData2Dictionary(data->innerMessage()->customElem()->data);
+        return QSizeF(200, 30 * body.value("lines").toInt(1));
+    }
+    void fillWithData(const ZIQMessageCellDataPtr &data) override
+    {
+        log << QStringLiteral("fill:") + data->msgID();
+        ZIQBubbleMessageCell::fillWithData(data);
+    }
+    static inline QStringList log;
+};
+
+/// A notice row ("Carol pinned a message"): the body's "notice" text, centred.
+class NoticeCellData : public ZIQSystemMessageCellData
+{
+    Q_OBJECT
+
+public:
+    using ZIQSystemMessageCellData::ZIQSystemMessageCellData;
+    static std::shared_ptr<NoticeCellData> getCellData(const V2VORMessagePtr &message)
+    {
+        auto data = std::make_shared<NoticeCellData>(directionOf(*message));
+        const QJsonObject body = ZIQTool::jsonData2Dictionary(message->customElem()->data);
+        data->setAttributedString(ZIQAttributedString(body.value("notice").toString()));
+        return data;
+    }
+};
+
+/// The "more" panel's provider: one item in group chats, none elsewhere; keeps what it was
+/// asked with and what a tap handed over.
+struct MoreProvider : ZIQExtensionProtocol
+{
+    QList<ZIQExtensionInfo> onGetExtension(const QString &, const QVariantMap &param) override
+    {
+        asked = param;
+        if (param.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID).toString().isEmpty())
+            return {};
+        ZIQExtensionInfo item;
+        item.weight = 300;
+        item.text = QStringLiteral("Poll");
+        item.onClicked = [this](const QVariantMap &tapped) { this->tapped = tapped; };
+        return { item };
+    }
+    QVariantMap asked;
+    QVariantMap tapped;
+};
+
+namespace {
+
+/// A chat screen on a navigation stack in a phone-sized window, its first page loaded.
+struct OpenChat
+{
+    OpenChat(const ZIQChatConversation &conversation, V2VORManager *client)
+        : chat(new ZIQBaseChatViewController(conversation, client))
+        , navigation(chat)
+    {
+        navigation.view()->resize(375, 812);
+        navigation.view()->show();
+    }
+    bool waitLoaded(int rows)
+    {
+        return QTest::qWaitFor([&] { return chat->messageList()->count() >= rows; }, 5000);
+    }
+    platform::TableView *table() const { return chat->tableView(); }
+    template<class Cell> Cell *cell(int row) const
+    {
+        return qobject_cast<Cell *>(table()->cellForRow({ 0, row }));
+    }
+
+    ZIQBaseChatViewController *chat;
+    platform::NavigationController navigation;
+};
+
+int lastRow(const OpenChat &open)
+{
+    return open.chat->messageList()->count() - 1;
+}
+
+} // namespace
+
+class ChatScreenTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(registerSheetKind());
+        ZIQChatClassRegistry::instance().registerCellClass<PollCell>();
+        QVERIFY(appendKind("poll", "PollCell", "SheetCellData"));
+        ZIQChatClassRegistry::instance().registerCellDataClass<NoticeCellData>();
+        ZIQBaseChatViewController::registerKitCells();
+        QVERIFY(appendKind("notice", ZIQChatClassRegistry::systemCellName, "NoticeCellData"));
+    }
+
+    void registeredRowsAreMeasuredBeforeTheyAreFilled()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        const V2VORMessagePtr small = sendToGroup(group.client("alice"), group.groupID(), sheetBody(1, "poll"));
+        const V2VORMessagePtr tall = sendToGroup(group.client("alice"), group.groupID(), sheetBody(4, "poll"));
+        PollCell::log.clear();
+        OpenChat open({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(open.waitLoaded(2));
+        QTRY_VERIFY(open.cell<PollCell>(1));
+        for (const V2VORMessagePtr &message : { small, tall }) {
+            const qsizetype measured = PollCell::log.indexOf("measure:" + message->msgID());
+            const qsizetype filled = PollCell::log.indexOf("fill:" + message->msgID());
+            QVERIFY2(measured >= 0 && filled > measured, qPrintable(PollCell::log.join(' ')));
+        }
+        // The row's height and its container follow the measured size.
+        const QSizeF container = open.cell<PollCell>(1)->container()->size();
+        QCOMPARE(container, QSizeF(200, 120));
+        QCOMPARE(open.table()->rectForRow({ 0, 1 }).height(),
+            container.height() + ZIQBubbleMessageCell::NameHeight + 2 * ZIQBubbleMessageCell::RowPadding);
+    }
+
+    void eachMessageKeepsItsCellDataAcrossReuse()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        for (int i = 0; i < 30; ++i) {
+            if (i % 3 == 0)
+                QVERIFY(sendToGroup(group.client("alice"), group.groupID(), sheetBody(1 + i % 4, "poll")));
+            else
+                QVERIFY(sendText(group.client("carol"), group.groupID(), QStringLiteral("message %1").arg(i)));
+        }
+        OpenChat open({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(open.waitLoaded(20));
+        const auto shownAreTheList = [&] {
+            for (const platform::IndexPath &path : open.table()->indexPathsForVisibleRows()) {
+                auto *cell = qobject_cast<ZIQMessageCell *>(open.table()->cellForRow(path));
+                if (!cell || cell->messageData() != open.chat->messageList()->cellData(path.row))
+                    return false;
+            }
+            return true;
+        };
+        QTRY_VERIFY(!open.table()->indexPathsForVisibleRows().isEmpty());
+        QCOMPARE(open.table()->indexPathsForVisibleRows().last().row, lastRow(open));
+        const ZIQMessageCellDataPtr bottom = open.chat->messageList()->cellData(lastRow(open));
+        QVERIFY(shownAreTheList());
+        open.table()->setContentOffset({ 0, 0 });
+        QVERIFY(shownAreTheList());
+        open.table()->setContentOffset({ 0, open.table()->contentSize().height() });
+        QVERIFY(shownAreTheList());
+        QCOMPARE(qobject_cast<ZIQMessageCell *>(open.table()->cellForRow({ 0, lastRow(open) }))->messageData(), bottom);
+    }
+
+    void aSizeChangeReMeasuresThatRowOnly()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        QList<V2VORMessagePtr> polls;
+        for (int i = 0; i < 10; ++i)
+            polls << sendToGroup(group.client("alice"), group.groupID(), sheetBody(2, "poll"));
+        OpenChat open({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(open.waitLoaded(10));
+        QTRY_VERIFY(open.cell<PollCell>(9));
+        const qreal offset = open.table()->contentOffset().y();
+        PollCell::log.clear();
+        // The card of the row's own copy of the message grew.
+        open.chat->messageList()->cellData(8)->innerMessage()->customElem()->data = sheetBody(3, "poll");
+        ZIQCore::notifyEvent(ZIQCore_ZIQPluginNotify, ZIQCore_ZIQPluginNotify_PluginViewSizeChangedSubKey, nullptr,
+            { { ZIQCore_ZIQPluginNotify_PluginViewSizeChangedSubKey_Message, QVariant::fromValue(polls[8]) } });
+        QCOMPARE(PollCell::log.filter("measure:"), QStringList { "measure:" + polls[8]->msgID() });
+        QCOMPARE(open.cell<PollCell>(8)->container()->height(), 90);
+        // The list was at the bottom and stays there.
+        QCOMPARE(open.table()->contentOffset().y(), offset + 30);
+    }
+
+    void theMorePanelAsksWithTheChatsParameters_data()
+    {
+        QTest::addColumn<bool>("inGroup");
+        QTest::newRow("group") << true;
+        QTest::newRow("one-to-one") << false;
+    }
+
+    void theMorePanelAsksWithTheChatsParameters()
+    {
+        QFETCH(bool, inGroup);
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        MoreProvider provider;
+        ZIQCore::registerExtension(ZIQCore_ZIQChatExtension_InputViewMoreItem_ClassicExtensionID, &provider);
+        const ZIQChatConversation conversation = inGroup ? ZIQChatConversation { group.groupID(), {} }
+                                                         : ZIQChatConversation { {}, QStringLiteral("alice") };
+        OpenChat open(conversation, group.client("bob"));
+        ZIQChatInputController *input = open.chat->inputController();
+        QTest::mouseClick(input->moreButton(), Qt::LeftButton);
+        ZIQCore::unRegisterExtension(&provider);
+        QVERIFY(input->isMorePanelVisible());
+        QCOMPARE(provider.asked.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID).toString(),
+            inGroup ? group.groupID() : QString());
+        QCOMPARE(provider.asked.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_FilterGroupNote).toBool(), false);
+        QCOMPARE(provider.asked.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_VC).value<QObject *>(),
+            static_cast<QObject *>(open.chat));
+        QCOMPARE(provider.asked.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_PushVC).value<QObject *>(),
+            static_cast<QObject *>(&open.navigation));
+        auto *empty = input->morePanel()->findChild<QLabel *>("moreEmptyLabel");
+        QCOMPARE(empty->isVisible(), !inGroup);
+        if (!inGroup)
+            return;
+        QTest::mouseClick(input->morePanel()->itemView(0), Qt::LeftButton);
+        QCOMPARE(provider.tapped, provider.asked);
+        // What an item does when tapped: the bar is reset and the panel goes.
+        input->textField()->setText("draft");
+        input->reset();
+        QVERIFY(!input->isMorePanelVisible());
+        QVERIFY(input->textField()->text().isEmpty());
+    }
+
+    void typedTextAppearsLiveInAnotherMembersChat()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        group.actAs("alice");
+        OpenChat atAlice({ group.groupID(), {} }, group.client("alice"));
+        OpenChat atBob({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(atAlice.waitLoaded(0) && atBob.waitLoaded(0));
+        platform::TextField *field = atAlice.chat->inputController()->textField();
+        field->setText("lunch at noon?");
+        QTest::keyClick(field, Qt::Key_Return);
+        QVERIFY(field->text().isEmpty());
+        QTRY_VERIFY(atBob.cell<ZIQTextMessageCell>(0));
+        auto *text = atBob.cell<ZIQTextMessageCell>(0);
+        QCOMPARE(text->textLabel()->text(), QStringLiteral("lunch at noon?"));
+        QVERIFY(text->nameLabel()->isVisible());
+        QCOMPARE(text->nameLabel()->text(), QStringLiteral("Alice"));
+        // At the sender's the bubble stands on the right, without a name.
+        auto *own = atAlice.cell<ZIQTextMessageCell>(0);
+        QVERIFY(own && !own->nameLabel()->isVisible());
+        QVERIFY(own->container()->geometry().center().x() > 375 / 2);
+    }
+
+    void aRefusedSendShowsFailedAndCanGoAgain()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        OpenChat open({ group.groupID(), {} }, group.client("alice"));
+        QVERIFY(open.waitLoaded(0));
+        group.server()->failNextCall("sendMessage", 9520, "service busy");
+        open.chat->inputController()->textField()->setText("hello");
+        QTest::mouseClick(open.chat->inputController()->sendButton(), Qt::LeftButton);
+        QTRY_VERIFY(open.cell<ZIQTextMessageCell>(0));
+        ZIQMessageStatusView *status = open.cell<ZIQTextMessageCell>(0)->statusView();
+        QTRY_COMPARE(int(status->status()), int(ZIQMessageStatus::Failed));
+        QVERIFY(status->isVisible());
+        QTest::mouseClick(status, Qt::LeftButton);
+        QTRY_COMPARE(open.chat->messageList()->count(), 2);
+        QTRY_COMPARE(int(open.chat->messageList()->cellData(1)->status()), int(ZIQMessageStatus::Sent));
+        QTRY_VERIFY(open.cell<ZIQTextMessageCell>(1) && open.cell<ZIQTextMessageCell>(1)->statusView()->isHidden());
+    }
+
+    void reactionsShowUnderTheMessageForEveryMember()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        OpenChat atCarol({ group.groupID(), {} }, group.client("carol"));
+        OpenChat atAlice({ group.groupID(), {} }, group.client("alice"));
+        OpenChat atBob({ group.groupID(), {} }, group.client("bob"));
+        atCarol.chat->inputController()->textField()->setText("who is in?");
+        QTest::keyClick(atCarol.chat->inputController()->textField(), Qt::Key_Return);
+        QVERIFY(atAlice.waitLoaded(1) && atBob.waitLoaded(1));
+        QTRY_VERIFY(atAlice.cell<ZIQTextMessageCell>(0) && atBob.cell<ZIQTextMessageCell>(0));
+        const qreal rowBefore = atBob.table()->rectForRow({ 0, 0 }).height();
+
+        // A right click offers the emoji bar; choosing one reacts.
+        ZIQTextMessageCell *message = atAlice.cell<ZIQTextMessageCell>(0);
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(70, 30), message->mapToGlobal(QPoint(70, 30)));
+        QApplication::sendEvent(message, &menu);
+        ZIQReactionMenu *bar = atAlice.chat->reactionMenu();
+        QVERIFY(bar->isVisible());
+        QTest::mouseClick(bar->findChild<QToolButton *>("reaction_0"), Qt::LeftButton);
+        QVERIFY(!bar->isVisible());
+
+        QTRY_VERIFY(atBob.cell<ZIQTextMessageCell>(0)->reactionStrip()->isVisible());
+        ZIQReactionStrip *strip = atBob.cell<ZIQTextMessageCell>(0)->reactionStrip();
+        QCOMPARE(strip->reactions().size(), 1);
+        QCOMPARE(ZIQReactionStrip::chipText(strip->reactions().first()), QStringLiteral("👍 1"));
+        QVERIFY(atBob.table()->rectForRow({ 0, 0 }).height() > rowBefore);
+        const QVariantMap ext = ziq_extValueObj(atBob.cell<ZIQTextMessageCell>(0)->container()).toMap();
+        QCOMPARE(ext.value(ZIQBubbleMessageCell::reactPreviewKey).value<QWidget *>(), static_cast<QWidget *>(strip));
+
+        // Bob's tap on the chip adds his own; Alice's tap on hers takes it back.
+        QTest::mouseClick(strip, Qt::LeftButton, {}, strip->chipRect(0).center().toPoint());
+        QTRY_COMPARE(atBob.chat->messageList()->cellData(0)->reactions().reactions().value(0).userIDs.size(), 2);
+        ZIQReactionStrip *aliceStrip = atAlice.cell<ZIQTextMessageCell>(0)->reactionStrip();
+        QTRY_COMPARE(aliceStrip->reactions().value(0).userIDs.size(), 2);
+        QTest::mouseClick(aliceStrip, Qt::LeftButton, {}, aliceStrip->chipRect(0).center().toPoint());
+        QTRY_COMPARE(atBob.chat->messageList()->cellData(0)->reactions().reactions().value(0).userIDs,
+            QStringList { "bob" });
+    }
+
+    /// A group chat with both directions, a notice, reactions and the "more" panel, light and
+    /// dark, into $ZIQ_PICTURES_DIR.
+    void pictures()
+    {
+        if (qEnvironmentVariableIsEmpty("ZIQ_PICTURES_DIR"))
+            QSKIP("ZIQ_PICTURES_DIR is not set");
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        group.actAs("alice");
+        V2VORManager *alice = group.client("alice");
+        QVERIFY(sendText(group.client("bob"), group.groupID(), "Who is coming to the picnic on Saturday?"));
+        QVERIFY(sendToGroup(group.client("carol"), group.groupID(),
+            R"({"businessID":"notice","notice":"Carol pinned the sign-up sheet"})"));
+        const V2VORMessagePtr question = sendToGroup(group.client("carol"), group.groupID(), sheetBody(0, "x"));
+        QVERIFY(question);
+        MoreProvider provider;
+        ZIQCore::registerExtension(ZIQCore_ZIQChatExtension_InputViewMoreItem_ClassicExtensionID, &provider);
+        OpenChat open({ group.groupID(), {} }, alice);
+        QVERIFY(open.waitLoaded(3));
+        for (const char *text : { "Me! I'll bring lemonade 🍋", "Can we start at 11?" }) {
+            open.chat->inputController()->textField()->setText(QString::fromUtf8(text));
+            QTest::keyClick(open.chat->inputController()->textField(), Qt::Key_Return);
+        }
+        QTRY_COMPARE(open.chat->messageList()->count(), 5);
+        QTRY_VERIFY(open.chat->messageList()->cellData(4)->status() == ZIQMessageStatus::Sent);
+        open.chat->messageList()->setReaction(open.chat->messageList()->cellData(3)->msgID(), "👍");
+        ZIQChatMessageList atBob({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(loadAndWait(atBob));
+        atBob.setReaction(open.chat->messageList()->cellData(3)->msgID(), "❤️");
+        atBob.setReaction(open.chat->messageList()->cellData(0)->msgID(), "👍");
+        QTRY_COMPARE(open.chat->messageList()->cellData(3)->reactions().reactions().size(), 2);
+        QTest::mouseClick(open.chat->inputController()->moreButton(), Qt::LeftButton);
+        ZIQCore::unRegisterExtension(&provider);
+        for (const QString &theme : { ZIQThemeLight, ZIQThemeDark }) {
+            ZIQThemeManager::shareManager()->applyTheme(theme);
+            QCoreApplication::processEvents();
+            const QString path = qEnvironmentVariable("ZIQ_PICTURES_DIR") + "/chat-" + theme + ".png";
+            QVERIFY(open.navigation.view()->grab().save(path));
+        }
+        ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight);
+    }
+};
+
+QTEST_MAIN(ChatScreenTest)
+#include "tst_chatscreen.moc"
