@@ -17,7 +17,7 @@ namespace {
 // Logs in as alice on `client` and returns what was heard, in order.
 QStringList loginAsAlice(MessagingServer &server, V2VORManager *client)
 {
-    server.addUser(QStringLiteral("alice"), QStringLiteral("Alice"), QStringLiteral("https://faces/alice.png"));
+    server.addUser(QStringLiteral("alice"), QStringLiteral("Alice"), QStringLiteral("file:///nonexistent/faces/alice.png"));
     V2VORManager::setSharedInstance(client);
     QObject observer;
     QStringList heard;

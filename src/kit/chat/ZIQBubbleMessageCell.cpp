@@ -17,15 +17,6 @@
 namespace {
 const char *const extValueProperty = "ziq_extValueObj";
 constexpr int NameFontSize = 12;
-
-/// The sender's picture when it is at hand on the device; remote pictures are not fetched by
-/// the chat's rows, which show the placeholder instead.
-QUrl localFace(const V2VORMessagePtr &message)
-{
-    const QUrl url = message ? QUrl(message->faceURL()) : QUrl();
-    const bool remote = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    return remote ? QUrl() : url;
-}
 } // namespace
 
 QVariant ziq_extValueObj(const QWidget *view)
@@ -109,7 +100,7 @@ void ZIQBubbleMessageCell::fillWithData(const ZIQMessageCellDataPtr &data)
     ZIQMessageCell::fillWithData(data);
     const V2VORMessagePtr message = data ? data->innerMessage() : nullptr;
     const QImage placeholder = ZIQConfig::defaultConfig().defaultAvatarImage().pixmap(int(AvatarSize)).toImage();
-    m_avatarView->setImageWithURL(localFace(message), placeholder);
+    m_avatarView->setImageWithURL(message ? QUrl(message->faceURL()) : QUrl(), placeholder);
     m_nameLabel->setVisible(data && showsSenderName(*data));
     if (message)
         m_nameLabel->setText(message->nickName().isEmpty() ? message->sender() : message->nickName());
