@@ -38,11 +38,11 @@ QColor themeColor(const char *key, const char *fallback)
     return ZIQTheme::dynamicColor(QString::fromLatin1(key), ZIQThemeModuleCommon, QString::fromLatin1(fallback));
 }
 
+// A style sheet rather than a palette: the table hands its palette down to the rows it adopts,
+// which would paint every label in the table's text colour.
 void setTextColor(QLabel *label, const QColor &color)
 {
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, color);
-    label->setPalette(palette);
+    label->setStyleSheet(QStringLiteral("color: %1;").arg(color.name(QColor::HexArgb)));
 }
 
 } // namespace
