@@ -74,6 +74,9 @@ void DemoApp::populate()
     }
     m_cast = new DemoCast(m_server.get(), *m_options.seed);
     DemoWorld::castOthers(*m_cast, m_options.userID);
+    connect(m_cast, &DemoCast::posted, this, [](const QString &userID, const ZIQChatConversation &chat, const QString &text) {
+        qInfo().noquote() << userID << "in" << chat.conversationID() << "says:" << text;
+    });
     // A screenshot shows the history as it stands; nobody speaks while it is taken.
     if (m_options.screenshotDir.isEmpty())
         m_cast->start();

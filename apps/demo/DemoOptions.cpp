@@ -74,7 +74,9 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, int 
         return std::nullopt;
     }
     if (parser.isSet("help")) {
-        std::cout << qPrintable(parser.helpText()) << std::endl;
+        QString help = parser.helpText();
+        help.replace(QStringLiteral("<executable_name>"), QStringLiteral("group-notes-demo"));
+        std::cout << qPrintable(help) << std::endl;
         return std::nullopt;
     }
     DemoOptions options;
