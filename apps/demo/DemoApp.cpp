@@ -1,0 +1,118 @@
+#include "DemoApp.h"
+
+#include "DemoCast.h"
+#include "DemoChatPlaceholder.h"
+#include "DemoScreenshots.h"
+#include "DemoWorld.h"
+
+#include "kit/chat/ZIQChatService.h"
+#include "kit/chat/ZIQConversationList.h"
+#include "kit/chat/ZIQConversationListViewController.h"
+#include "kit/common/ZIQGlobalization.h"
+#include "kit/common/ZIQLogin.h"
+#include "kit/common/ZIQThemeManager.h"
+#include "platform/MainQueue.h"
+#include "platform/NavigationController.h"
+#include "platform/Screen.h"
+#include "platform/SystemFont.h"
+#include "sdk/MessagingServer.h"
+#include "sdk/V2VORManager.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QWidget>
+
+DemoApp::DemoApp(const DemoOptions &options, QObject *parent)
+    : QObject(parent)
+    , m_options(options)
+{
+}
+
+DemoApp::~DemoApp()
+{
+    // Screens first: they listen to the client, which listens to the service.
+    m_navigation.reset();
+    if (V2VORManager::sharedInstance() == m_client)
+        V2VORManager::setSharedInstance(nullptr);
+    delete m_cast;
+    delete m_client;
+}
+
+void DemoApp::start()
+{
+    setUpPlatform();
+    ZIQChatService::registerInCore();
+    populate();
+    m_client = new V2VORManager(m_server.get());
+    V2VORManager::setSharedInstance(m_client);
+    ZIQLogin::login(
+        m_options.userID, [this] { showScreens(); },
+        [](int code, const QString &desc) {
+            qCritical().noquote() << "login failed:" << code << desc;
+            QCoreApplication::exit(1);
+        });
+}
+
+void DemoApp::setUpPlatform()
+{
+    platform::Screen::setMainScreen(m_options.size);
+    platform::SystemFont::install();
+    if (!m_options.language.isEmpty())
+        ZIQGlobalization::setPreferredLanguage(m_options.language);
+    ZIQThemeManager::shareManager()->applyTheme(m_options.theme);
+}
+
+void DemoApp::populate()
+{
+    m_server = std::make_unique<MessagingServer>();
+    DemoWorld::createDirectory(*m_server);
+    if (!m_options.seed)
+        return;
+    {
+        DemoCast history(m_server.get(), *m_options.seed);
+        DemoWorld::playHistory(history, platform::MainQueue::now());
+    }
+    m_cast = new DemoCast(m_server.get(), *m_options.seed);
+    DemoWorld::castOthers(*m_cast, m_options.userID);
+    connect(m_cast, &DemoCast::posted, this, [](const QString &userID, const ZIQChatConversation &chat, const QString &text) {
+        qInfo().noquote() << userID << "in" << chat.conversationID() << "says:" << text;
+    });
+    // A screenshot shows the history as it stands; nobody speaks while it is taken.
+    if (m_options.screenshotDir.isEmpty())
+        m_cast->start();
+}
+
+void DemoApp::showScreens()
+{
+    auto *list = new ZIQConversationListViewController;
+    m_list = list;
+    list->setTitle(listTitle());
+    list->setChatFactory([this](const ZIQChatConversation &conversation) { return openChat(conversation); });
+    m_navigation = std::make_unique<platform::NavigationController>(list);
+    QWidget *window = m_navigation->view();
+    window->setWindowTitle(QStringLiteral("Group notes"));
+    window->setFixedSize(m_options.size);
+    window->show();
+    if (m_options.screenshotDir.isEmpty())
+        return;
+    auto *shots = new DemoScreenshots(m_navigation.get(), list, m_options.screenshotDir, this);
+    shots->take([](bool written) { QCoreApplication::exit(written ? 0 : 1); });
+}
+
+platform::ViewController *DemoApp::openChat(const ZIQChatConversation &conversation)
+{
+    // The conversation screen plugs in here; until then a placeholder names the chat.
+    const ZIQConversationList *conversations = m_list->conversationList();
+    const QString name = conversations->at(conversations->rowOf(conversation.conversationID())).title;
+    return new DemoChatPlaceholder(conversation, name);
+}
+
+QString DemoApp::listTitle() const
+{
+    const QString language = ZIQGlobalization::getPreferredLanguage();
+    if (language == QLatin1String("zh-Hans"))
+        return QStringLiteral("消息");
+    if (language == QLatin1String("zh-Hant"))
+        return QStringLiteral("訊息");
+    return QStringLiteral("Chats");
+}

@@ -1,0 +1,50 @@
+// The demo program put together: the messaging service with its people and history, the user
+// logged in on the process's client, the other members played beside them, and the phone's
+// screens in a window of the phone's size.
+#pragma once
+
+#include "DemoOptions.h"
+
+#include <QObject>
+#include <QPointer>
+#include <memory>
+
+class DemoCast;
+class MessagingServer;
+class V2VORManager;
+class ZIQConversationListViewController;
+struct ZIQChatConversation;
+
+namespace platform {
+class NavigationController;
+class ViewController;
+}
+
+class DemoApp : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DemoApp(const DemoOptions &options, QObject *parent = nullptr);
+    ~DemoApp() override;
+
+    /// Sets up the service, logs in and shows the screens; with screenshots asked for, quits
+    /// the application once they are written (exit code 1 when one failed).
+    void start();
+
+    DemoCast *cast() const { return m_cast; }
+
+private:
+    void setUpPlatform();
+    void populate();
+    void showScreens();
+    platform::ViewController *openChat(const ZIQChatConversation &conversation);
+    QString listTitle() const;
+
+    DemoOptions m_options;
+    std::unique_ptr<MessagingServer> m_server;
+    V2VORManager *m_client = nullptr;
+    DemoCast *m_cast = nullptr;
+    std::unique_ptr<platform::NavigationController> m_navigation;
+    QPointer<ZIQConversationListViewController> m_list;
+};

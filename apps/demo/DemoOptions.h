@@ -1,0 +1,26 @@
+// What a person can ask of the demo on its command line.
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+struct DemoOptions
+{
+    QString userID;
+    QSize size { 375, 812 };
+    /// Empty: the system's language.
+    QString language;
+    QString theme = QStringLiteral("light");
+    /// Unset ("off"): no history and no played members.
+    std::optional<quint32> seed = 1;
+    /// Where screenshots go; empty for an interactive run.
+    QString screenshotDir;
+
+    /// Parses `arguments` (the program's, its name first); prints --help or an error and
+    /// gives nothing when the program should end (with `exitCode`).
+    static std::optional<DemoOptions> parse(const QStringList &arguments, int &exitCode);
+    /// Whether the arguments ask for screenshots, read before the application exists.
+    static bool wantsScreenshots(int argc, char **argv);
+};

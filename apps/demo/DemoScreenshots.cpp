@@ -1,0 +1,76 @@
+#include "DemoScreenshots.h"
+
+#include "kit/chat/ZIQConversationList.h"
+#include "kit/chat/ZIQConversationListViewController.h"
+#include "platform/MainQueue.h"
+#include "platform/NavigationController.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QMetaObject>
+#include <QWidget>
+
+DemoScreenshots::DemoScreenshots(platform::NavigationController *navigation, ZIQConversationListViewController *list,
+                                 const QString &directory, QObject *parent)
+    : QObject(parent)
+    , m_navigation(navigation)
+    , m_list(list)
+    , m_directory(directory)
+{
+}
+
+void DemoScreenshots::take(std::function<void(bool written)> done)
+{
+    m_done = std::move(done);
+    if (!QDir().mkpath(m_directory)) {
+        qWarning().noquote() << "cannot create" << m_directory;
+        m_ok = false;
+        finish();
+        return;
+    }
+    // Faces arrive a turn or two after the rows; give them time before the picture.
+    platform::MainQueue::after(SettleMs, this, [this] { shootList(); });
+}
+
+void DemoScreenshots::shootList()
+{
+    m_ok = save(QStringLiteral("demo-conversations.png")) && m_ok;
+    ZIQConversationList *conversations = m_list ? m_list->conversationList() : nullptr;
+    int row = -1;
+    for (int i = 0; conversations && i < conversations->count() && row < 0; ++i) {
+        if (conversations->at(i).conversation.isGroup())
+            row = i;
+    }
+    if (row < 0 || !m_list->openRow(row)) {
+        finish();
+        return;
+    }
+    m_navigation->finishTransition();
+    // A chat screen that offers its "more" panel shows it for the picture.
+    QObject *screen = m_navigation->topViewController();
+    if (screen && screen->metaObject()->indexOfMethod("showMorePanel()") >= 0)
+        QMetaObject::invokeMethod(screen, "showMorePanel");
+    platform::MainQueue::after(SettleMs, this, [this] { shootChat(); });
+}
+
+void DemoScreenshots::shootChat()
+{
+    m_ok = save(QStringLiteral("demo-group-chat.png")) && m_ok;
+    finish();
+}
+
+bool DemoScreenshots::save(const QString &name)
+{
+    const QString path = QDir(m_directory).filePath(name);
+    if (!m_navigation || !m_navigation->view()->grab().save(path)) {
+        qWarning().noquote() << "cannot write" << path;
+        return false;
+    }
+    return true;
+}
+
+void DemoScreenshots::finish()
+{
+    if (m_done)
+        m_done(m_ok);
+}

@@ -1,0 +1,39 @@
+// Pictures of the demo for its documentation: the conversation list as the user first sees it,
+// then a group chat opened from it, with its "more" panel when the chat screen has one.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <functional>
+
+class ZIQConversationListViewController;
+
+namespace platform {
+class NavigationController;
+}
+
+class DemoScreenshots : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int SettleMs = 600;
+
+    DemoScreenshots(platform::NavigationController *navigation, ZIQConversationListViewController *list,
+                    const QString &directory, QObject *parent = nullptr);
+
+    /// Takes the pictures once the list has loaded, then calls `done` with whether all were written.
+    void take(std::function<void(bool written)> done);
+
+private:
+    void shootList();
+    void shootChat();
+    bool save(const QString &name);
+    void finish();
+
+    QPointer<platform::NavigationController> m_navigation;
+    QPointer<ZIQConversationListViewController> m_list;
+    QString m_directory;
+    std::function<void(bool)> m_done;
+    bool m_ok = true;
+};

@@ -1,0 +1,36 @@
+// The demo's little world: its people with names and faces, three groups and a one-to-one
+// chat, and a few days of history in each, written as if it had happened.
+#pragma once
+
+#include "kit/chat/ZIQChatConversation.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class DemoCast;
+class MessagingServer;
+
+class DemoWorld
+{
+public:
+    struct Person
+    {
+        QString userID;
+        QString nickName;
+        QString faceURL;
+    };
+
+    static QList<Person> people();
+    static bool hasPerson(const QString &userID);
+    /// The user a plain start logs in as.
+    static QString defaultUserID();
+
+    /// Users and groups, with their profiles, on the service.
+    static void createDirectory(MessagingServer &server);
+    /// Plays the last days' history through `cast` (every person becomes a member) on a manual
+    /// clock, so that every message carries its own time before `nowMs`.
+    static void playHistory(DemoCast &cast, double nowMs);
+    /// Makes everyone but `userID` a member of `cast`, with the chats and lines they speak.
+    static void castOthers(DemoCast &cast, const QString &userID);
+};

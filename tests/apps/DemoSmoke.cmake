@@ -1,0 +1,13 @@
+# Runs the demo with no history and checks that it exits 0 having written the list's picture.
+file(REMOVE_RECURSE "${OUT}")
+execute_process(COMMAND "${DEMO}" --seed off --screenshot "${OUT}" RESULT_VARIABLE result TIMEOUT 50)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "the demo ended with ${result}")
+endif()
+if(NOT EXISTS "${OUT}/demo-conversations.png")
+    message(FATAL_ERROR "the demo wrote no ${OUT}/demo-conversations.png")
+endif()
+file(SIZE "${OUT}/demo-conversations.png" size)
+if(size LESS 1000)
+    message(FATAL_ERROR "the picture is only ${size} bytes")
+endif()
