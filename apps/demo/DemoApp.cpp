@@ -1,10 +1,10 @@
 #include "DemoApp.h"
 
 #include "DemoCast.h"
-#include "DemoChatPlaceholder.h"
 #include "DemoScreenshots.h"
 #include "DemoWorld.h"
 
+#include "kit/chat/ZIQBaseChatViewController.h"
 #include "kit/chat/ZIQChatService.h"
 #include "kit/chat/ZIQConversationList.h"
 #include "kit/chat/ZIQConversationListViewController.h"
@@ -42,6 +42,7 @@ void DemoApp::start()
 {
     setUpPlatform();
     ZIQChatService::registerInCore();
+    ZIQBaseChatViewController::registerKitCells();
     populate();
     m_client = new V2VORManager(m_server.get());
     V2VORManager::setSharedInstance(m_client);
@@ -101,10 +102,7 @@ void DemoApp::showScreens()
 
 platform::ViewController *DemoApp::openChat(const ZIQChatConversation &conversation)
 {
-    // The conversation screen plugs in here; until then a placeholder names the chat.
-    const ZIQConversationList *conversations = m_list->conversationList();
-    const QString name = conversations->at(conversations->rowOf(conversation.conversationID())).title;
-    return new DemoChatPlaceholder(conversation, name);
+    return new ZIQBaseChatViewController(conversation, m_client);
 }
 
 QString DemoApp::listTitle() const

@@ -1,5 +1,7 @@
 #include "DemoScreenshots.h"
 
+#include "kit/chat/ZIQBaseChatViewController.h"
+#include "kit/chat/ZIQChatInputController.h"
 #include "kit/chat/ZIQConversationList.h"
 #include "kit/chat/ZIQConversationListViewController.h"
 #include "platform/MainQueue.h"
@@ -7,7 +9,6 @@
 
 #include <QDebug>
 #include <QDir>
-#include <QMetaObject>
 #include <QWidget>
 
 DemoScreenshots::DemoScreenshots(platform::NavigationController *navigation, ZIQConversationListViewController *list,
@@ -46,10 +47,9 @@ void DemoScreenshots::shootList()
         return;
     }
     m_navigation->finishTransition();
-    // A chat screen that offers its "more" panel shows it for the picture.
-    QObject *screen = m_navigation->topViewController();
-    if (screen && screen->metaObject()->indexOfMethod("showMorePanel()") >= 0)
-        QMetaObject::invokeMethod(screen, "showMorePanel");
+    // The group chat is pictured with its "more" panel open.
+    if (auto *chat = qobject_cast<ZIQBaseChatViewController *>(m_navigation->topViewController()))
+        chat->inputController()->setMorePanelVisible(true);
     platform::MainQueue::after(SettleMs, this, [this] { shootChat(); });
 }
 

@@ -43,6 +43,9 @@ NavigationBar::NavigationBar(QWidget *parent)
     m_backButton->setAccessibleName(fallbackBackTitle());
     m_backButton->setFont(SystemFont::regular(17));
     m_backButton->setAutoRaise(true);
+    // A phone's back button is bare text beside a chevron: no frame, not even under a pointer.
+    m_backButton->setAttribute(Qt::WA_Hover, false);
+    m_backButton->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; }"));
     m_backButton->setFocusPolicy(Qt::NoFocus);
     m_backButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_backButton->setIconSize(ChevronSize);
@@ -158,6 +161,8 @@ void NavigationBar::paintChevron()
     QPalette buttonPalette = m_backButton->palette();
     buttonPalette.setColor(QPalette::ButtonText, tint);
     m_backButton->setPalette(buttonPalette);
+    m_backButton->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; color: %1; }")
+                                    .arg(tint.name(QColor::HexArgb)));
 
     QPixmap chevron(ChevronSize);
     chevron.fill(Qt::transparent);
