@@ -20,10 +20,16 @@ ZIQConversationListViewController::ZIQConversationListViewController(V2VORManage
     setExtendsUnderNavigationBar(false);
 }
 
+platform::TableView *ZIQConversationListViewController::tableView() const
+{
+    return m_tableView;
+}
+
 ZIQConversationListViewController::~ZIQConversationListViewController()
 {
-    // The table outlives this object's members while QObject tears the view down; it must not
-    // ask a half-destroyed data source for rows.
+    // The table must not ask a half-destroyed data source for rows. When a navigation stack
+    // goes, its views (this table among them) are deleted before its child controllers, so the
+    // table is held weakly.
     if (m_tableView) {
         m_tableView->setDataSource(nullptr);
         m_tableView->setDelegate(nullptr);

@@ -7,6 +7,8 @@
 #include "platform/TableViewDelegate.h"
 #include "platform/ViewController.h"
 
+#include <QPointer>
+
 #include <functional>
 
 class V2VORManager;
@@ -35,7 +37,7 @@ public:
 
     ZIQConversationList *conversationList() const { return m_list; }
     /// The table of rows; null until the view is loaded.
-    platform::TableView *tableView() const { return m_tableView; }
+    platform::TableView *tableView() const;
 
     /// Opens the chat of a row as a tap does; returns the screen pushed, or null.
     platform::ViewController *openRow(int row);
@@ -52,6 +54,6 @@ private:
     void applyTheme();
 
     ZIQConversationList *m_list;
-    platform::TableView *m_tableView = nullptr;
+    QPointer<platform::TableView> m_tableView;
     ChatFactory m_chatFactory;
 };
