@@ -11,6 +11,7 @@
 #include "platform/TableViewDelegate.h"
 #include "platform/ViewController.h"
 
+#include <QPointer>
 #include <QSet>
 
 class V2VORManager;
@@ -91,7 +92,8 @@ private:
     ZIQChatConversation m_conversation;
     V2VORManager *m_client;
     ZIQChatMessageList *m_messageList;
-    platform::TableView *m_tableView = nullptr;
+    // The table goes with the view, which a navigation stack may delete before its screens.
+    QPointer<platform::TableView> m_tableView;
     ZIQChatInputController *m_inputController = nullptr;
     ZIQReactionMenu *m_reactionMenu = nullptr;
     QSet<QString> m_cellKinds;
