@@ -8,6 +8,7 @@
 
 #include "kit/chat/ZIQBaseChatViewController.h"
 #include "kit/chat/ZIQBubbleMessageCell.h"
+#include "kit/chat/ZIQChatColors.h"
 #include "kit/chat/ZIQChatInputController.h"
 #include "kit/chat/ZIQChatMorePanel.h"
 #include "kit/chat/ZIQMessageStatusView.h"
@@ -18,7 +19,9 @@
 #include "kit/chat/ZIQTextMessageCell.h"
 #include "kit/common/ZIQThemeManager.h"
 #include "kit/core/ZIQExtensionProtocol.h"
+#include "platform/Keyboard.h"
 #include "platform/NavigationController.h"
+#include "platform/NotificationCenter.h"
 #include "platform/Screen.h"
 #include "platform/TableView.h"
 #include "platform/TextField.h"
@@ -118,6 +121,33 @@ int lastRow(const OpenChat &open)
     return open.chat->messageList()->count() - 1;
 }
 
+/// The colour a label draws its text in.
+QColor inkOf(const QLabel *label)
+{
+    return label->palette().color(label->foregroundRole());
+}
+
+/// Tells the chat that the poll in `row` now shows `lines` lines, as its plug-in would.
+void resizePoll(const OpenChat &open, int row, int lines)
+{
+    const V2VORMessagePtr message = open.chat->messageList()->cellData(row)->innerMessage();
+    message->customElem()->data = sheetBody(lines, "poll");
+    ZIQCore::notifyEvent(ZIQCore_ZIQPluginNotify, ZIQCore_ZIQPluginNotify_PluginViewSizeChangedSubKey, nullptr,
+        { { ZIQCore_ZIQPluginNotify_PluginViewSizeChangedSubKey_Message, QVariant::fromValue(message) } });
+}
+
+void postKeyboard(const QString &name, qreal height)
+{
+    const qreal screenHeight = platform::Screen::height();
+    const QRectF up(0, screenHeight - height, platform::Screen::width(), height);
+    const QRectF down = up.translated(0, height);
+    const bool showing = name == platform::KeyboardWillShowNotification;
+    platform::NotificationCenter::defaultCenter().post(name,
+        { { platform::KeyboardFrameBeginUserInfoKey, showing ? down : up },
+            { platform::KeyboardFrameEndUserInfoKey, showing ? up : down },
+            { platform::KeyboardAnimationDurationUserInfoKey, 0.25 } });
+}
+
 } // namespace
 
 class ChatScreenTest : public QObject
@@ -201,9 +231,7 @@ private Q_SLOTS:
         const qreal offset = open.table()->contentOffset().y();
         PollCell::log.clear();
         // The card of the row's own copy of the message grew.
-        open.chat->messageList()->cellData(8)->innerMessage()->customElem()->data = sheetBody(3, "poll");
-        ZIQCore::notifyEvent(ZIQCore_ZIQPluginNotify, ZIQCore_ZIQPluginNotify_PluginViewSizeChangedSubKey, nullptr,
-            { { ZIQCore_ZIQPluginNotify_PluginViewSizeChangedSubKey_Message, QVariant::fromValue(polls[8]) } });
+        resizePoll(open, 8, 3);
         QCOMPARE(PollCell::log.filter("measure:"), QStringList { "measure:" + polls[8]->msgID() });
         QCOMPARE(open.cell<PollCell>(8)->container()->height(), 90);
         // The list was at the bottom and stays there.
@@ -331,6 +359,114 @@ private Q_SLOTS:
         QTest::mouseClick(aliceStrip, Qt::LeftButton, {}, aliceStrip->chipRect(0).center().toPoint());
         QTRY_COMPARE(atBob.chat->messageList()->cellData(0)->reactions().reactions().value(0).userIDs,
             QStringList { "bob" });
+    }
+
+    void namesAndNoticesDrawInTheSecondaryColour_data()
+    {
+        QTest::addColumn<QString>("theme");
+        QTest::newRow("light") << ZIQThemeLight;
+        QTest::newRow("dark") << ZIQThemeDark;
+    }
+
+    void namesAndNoticesDrawInTheSecondaryColour()
+    {
+        QFETCH(QString, theme);
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        QVERIFY(sendText(group.client("alice"), group.groupID(), "hello"));
+        QVERIFY(sendToGroup(group.client("carol"), group.groupID(), R"({"businessID":"notice","notice":"pinned"})"));
+        QVERIFY(sendToGroup(group.client("carol"), group.groupID(), sheetBody(0, "unknown-kind")));
+        ZIQThemeManager::shareManager()->applyTheme(theme);
+        OpenChat open({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(open.waitLoaded(3));
+        QTRY_VERIFY(open.cell<ZIQTextMessageCell>(2));
+        const QColor secondary = ZIQChatColors::secondaryText();
+        QVERIFY(secondary != ZIQChatColors::text());
+        auto *text = open.cell<ZIQTextMessageCell>(0);
+        auto *unsupported = open.cell<ZIQTextMessageCell>(2);
+        QCOMPARE(inkOf(text->nameLabel()), secondary);
+        QCOMPARE(inkOf(text->textLabel()), ZIQChatColors::text());
+        QCOMPARE(inkOf(open.cell<ZIQSystemMessageCell>(1)->findChild<QLabel *>("systemTextLabel")), secondary);
+        QCOMPARE(inkOf(unsupported->nameLabel()), secondary);
+        QCOMPARE(inkOf(unsupported->textLabel()), secondary);
+        ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight);
+    }
+
+    void theInputBarAndListFollowTheKeyboard_data()
+    {
+        QTest::addColumn<QSize>("phone");
+        QTest::addColumn<int>("safeBottom");
+        QTest::newRow("with home area") << QSize(375, 812) << 34;
+        QTest::newRow("with home button") << QSize(375, 667) << 0;
+    }
+
+    void theInputBarAndListFollowTheKeyboard()
+    {
+        QFETCH(QSize, phone);
+        QFETCH(int, safeBottom);
+        platform::ScreenScope screen(phone);
+        QCOMPARE(platform::Screen::safeAreaInsets().bottom(), safeBottom);
+        GroupFixture group;
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(sendText(group.client("carol"), group.groupID(), QStringLiteral("line %1").arg(i)));
+        OpenChat open({ group.groupID(), {} }, group.client("bob"));
+        open.navigation.view()->resize(phone);
+        QVERIFY(open.waitLoaded(20));
+        QWidget *bar = open.chat->inputController();
+        const int barTop = bar->y();
+        const int listHeight = open.table()->height();
+        const auto lastRowShown = [&] {
+            const QRectF last = open.table()->rectForRow({ 0, lastRow(open) });
+            return qFuzzyCompare(last.bottom(), open.table()->contentOffset().y() + open.table()->viewport()->height());
+        };
+        QTRY_VERIFY(lastRowShown());
+
+        const qreal keyboard = platform::Keyboard::height();
+        QVERIFY(keyboard > safeBottom);
+        postKeyboard(platform::KeyboardWillShowNotification, keyboard);
+        const int rise = int(keyboard) - safeBottom;
+        QCOMPARE(bar->y(), barTop - rise);
+        QCOMPARE(open.table()->height(), listHeight - rise);
+        QVERIFY(lastRowShown());
+
+        postKeyboard(platform::KeyboardWillHideNotification, keyboard);
+        QCOMPARE(bar->y(), barTop);
+        QCOMPARE(open.table()->height(), listHeight);
+        QVERIFY(lastRowShown());
+    }
+
+    void aRowAboveTheScreenChangingHeightKeepsTheScreenStill_data()
+    {
+        QTest::addColumn<int>("lines");
+        QTest::newRow("grows") << 5;
+        QTest::newRow("shrinks") << 1;
+    }
+
+    void aRowAboveTheScreenChangingHeightKeepsTheScreenStill()
+    {
+        QFETCH(int, lines);
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        for (int i = 0; i < 20; ++i)
+            QVERIFY(sendToGroup(group.client("alice"), group.groupID(), sheetBody(2, "poll")));
+        OpenChat open({ group.groupID(), {} }, group.client("bob"));
+        QVERIFY(open.waitLoaded(20));
+        QTRY_VERIFY(open.cell<PollCell>(lastRow(open)));
+        // Read from the middle of the chat, well away from its bottom.
+        open.table()->setContentOffset({ 0, open.table()->rectForRow({ 0, 12 }).top() + 10 });
+        const int firstShown = open.table()->indexPathsForVisibleRows().first().row;
+        QVERIFY(firstShown > 5);
+        const auto screenTopOf = [&](int row) {
+            return open.table()->rectForRow({ 0, row }).top() - open.table()->contentOffset().y();
+        };
+        const qreal before = screenTopOf(firstShown);
+        const qreal rowBefore = open.table()->rectForRow({ 0, 3 }).height();
+
+        resizePoll(open, 3, lines);
+        QCOMPARE(open.table()->rectForRow({ 0, 3 }).height(), rowBefore + 30 * (lines - 2));
+        QCOMPARE(open.table()->indexPathsForVisibleRows().first().row, firstShown);
+        QCOMPARE(screenTopOf(firstShown), before);
+        QCOMPARE(open.cell<PollCell>(firstShown)->mapTo(open.table()->viewport(), QPoint()).y(), int(before));
     }
 
     /// A group chat with both directions, a notice, reactions and the "more" panel, light and

@@ -92,6 +92,7 @@ private:
     ZIQChatConversation m_conversation;
     V2VORManager *m_client;
     ZIQChatMessageList *m_messageList;
+    // The table goes with the view, which a navigation stack may delete before its screens.
     QPointer<platform::TableView> m_tableView;
     ZIQChatInputController *m_inputController = nullptr;
     ZIQReactionMenu *m_reactionMenu = nullptr;

@@ -166,7 +166,5 @@ void ZIQBubbleMessageCell::applyTheme()
 {
     const bool outgoing = messageData() && messageData()->direction() == ZIQMessageDirection::Outgoing;
     m_bubbleView->setColor(outgoing ? ZIQChatColors::outgoingBubble() : ZIQChatColors::incomingBubble());
-    QPalette palette = m_nameLabel->palette();
-    palette.setColor(QPalette::WindowText, ZIQChatColors::secondaryText());
-    m_nameLabel->setPalette(palette);
+    ZIQChatColors::setTextColor(m_nameLabel, ZIQChatColors::secondaryText());
 }

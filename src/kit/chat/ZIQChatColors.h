@@ -5,6 +5,9 @@
 #include "kit/common/ZIQTheme.h"
 #include "kit/common/ZIQThemeManager.h"
 
+#include <QPalette>
+#include <QWidget>
+
 namespace ZIQChatColors {
 
 inline QColor color(const QString &key, const char *defaultHex)
@@ -25,5 +28,16 @@ inline QColor moreTile() { return color(QStringLiteral("chat_more_tile_bg_color"
 inline QColor reactionChip() { return color(QStringLiteral("chat_reaction_chip_bg_color"), "#E9E9EB"); }
 inline QColor ownReactionChip() { return color(QStringLiteral("chat_reaction_chip_mine_bg_color"), "#B8D6FF"); }
 inline QColor menu() { return color(QStringLiteral("chat_reaction_menu_bg_color"), "#FFFFFF"); }
+
+/// Draws a label's text in `textColor` wherever it sits. A label left to itself takes its
+/// foreground role from its parent's background role: inside a table's viewport that is Base,
+/// so it would draw with Text and never with the WindowText set here.
+inline void setTextColor(QWidget *label, const QColor &textColor)
+{
+    label->setForegroundRole(QPalette::WindowText);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, textColor);
+    label->setPalette(palette);
+}
 
 } // namespace ZIQChatColors

@@ -23,9 +23,7 @@ ZIQChatMorePanel::ZIQChatMorePanel(QWidget *parent)
         QPalette palette = this->palette();
         palette.setColor(QPalette::Window, ZIQChatColors::inputBar());
         setPalette(palette);
-        QPalette label = m_emptyLabel->palette();
-        label.setColor(QPalette::WindowText, ZIQChatColors::secondaryText());
-        m_emptyLabel->setPalette(label);
+        ZIQChatColors::setTextColor(m_emptyLabel, ZIQChatColors::secondaryText());
     });
 }
 

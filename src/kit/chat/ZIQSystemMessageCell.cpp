@@ -66,9 +66,5 @@ QRect ZIQSystemMessageCell::reactionAnchor() const
 
 void ZIQSystemMessageCell::applyTheme()
 {
-    QPalette palette = m_textLabel->palette();
-    // Rich text draws with the Text role, plain text with WindowText.
-    palette.setColor(QPalette::WindowText, ZIQChatColors::secondaryText());
-    palette.setColor(QPalette::Text, ZIQChatColors::secondaryText());
-    m_textLabel->setPalette(palette);
+    ZIQChatColors::setTextColor(m_textLabel, ZIQChatColors::secondaryText());
 }

@@ -64,7 +64,5 @@ void ZIQTextMessageCell::applyTheme()
 {
     ZIQBubbleMessageCell::applyTheme();
     const bool unsupported = qobject_cast<const ZIQUnsupportedMessageCellData *>(messageData().get());
-    QPalette palette = m_textLabel->palette();
-    palette.setColor(QPalette::WindowText, unsupported ? ZIQChatColors::secondaryText() : ZIQChatColors::text());
-    m_textLabel->setPalette(palette);
+    ZIQChatColors::setTextColor(m_textLabel, unsupported ? ZIQChatColors::secondaryText() : ZIQChatColors::text());
 }
