@@ -47,6 +47,9 @@ QColor ZIQCommonTableViewCell::detailColor()
 
 void ZIQCommonTableViewCell::setTextColor(QLabel *label, const QColor &color)
 {
+    // Inside a table the row sits on a Base background, against which a label would otherwise
+    // pick the Text role and ignore this colour.
+    label->setForegroundRole(QPalette::WindowText);
     QPalette palette = label->palette();
     palette.setColor(QPalette::WindowText, color);
     label->setPalette(palette);
