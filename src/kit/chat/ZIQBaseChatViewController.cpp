@@ -143,7 +143,7 @@ void ZIQBaseChatViewController::viewDidLoad()
 void ZIQBaseChatViewController::viewDidAppear(bool)
 {
     ZIQChatService::instance()->setCurrentChat(m_messageList);
-    markRead();
+    m_messageList->markRead();
 }
 
 void ZIQBaseChatViewController::viewDidDisappear(bool)
@@ -385,14 +385,4 @@ void ZIQBaseChatViewController::loadTitle()
         if (self && !users.isEmpty() && !users.first().nickName.isEmpty())
             self->setTitle(users.first().nickName);
     }, {});
-}
-
-void ZIQBaseChatViewController::markRead()
-{
-    if (!m_client)
-        return;
-    if (m_conversation.isGroup())
-        m_client->markGroupMessageAsRead(m_conversation.groupID, {}, {});
-    else
-        m_client->markC2CMessageAsRead(m_conversation.userID, {}, {});
 }

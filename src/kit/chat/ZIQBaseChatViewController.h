@@ -87,7 +87,6 @@ private:
 
     void keyboardChanged(const platform::Notification &notification, bool showing);
     void loadTitle();
-    void markRead();
 
     ZIQChatConversation m_conversation;
     V2VORManager *m_client;

@@ -46,6 +46,8 @@ public:
     void loadMessages(int count = 20);
     /// False once a load came back short.
     bool hasMoreMessages() const { return m_hasMore; }
+    /// Marks everything in the conversation read for this client.
+    void markRead();
 
     /// The content size the row's cell class gives, measured on first use after a change.
     QSizeF contentSize(int row);
@@ -96,7 +98,6 @@ private:
     void fetchReactions(const QList<V2VORMessagePtr> &messages);
     /// Runs `change` on a copy of the message's reactions and keeps it when it says it changed.
     void updateReactions(const QString &msgID, const std::function<bool(ZIQMessageReactions &)> &change);
-    void markRead();
     void writeReaction(
         const V2VORMessagePtr &message, const QString &emoji, bool retryConflict, V2VORSucc succ, V2VORFail fail);
 
