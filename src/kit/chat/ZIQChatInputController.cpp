@@ -2,6 +2,7 @@
 
 #include "kit/chat/ZIQChatColors.h"
 #include "kit/chat/ZIQChatMorePanel.h"
+#include "kit/common/ZIQGlobalization.h"
 #include "platform/Keyboard.h"
 #include "platform/SystemFont.h"
 #include "platform/TextField.h"
@@ -37,13 +38,13 @@ ZIQChatInputController::ZIQChatInputController(QWidget *parent)
     : QWidget(parent)
     , m_moreButton(new QToolButton(this))
     , m_textField(new platform::TextField(this))
-    , m_sendButton(new QPushButton(tr("Send"), this))
+    , m_sendButton(new QPushButton(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQKitChatSend")), this))
     , m_morePanel(new ZIQChatMorePanel(this))
 {
     setObjectName(QStringLiteral("inputBar"));
     setAutoFillBackground(true);
     m_moreButton->setObjectName(QStringLiteral("moreButton"));
-    m_moreButton->setAccessibleName(tr("More"));
+    m_moreButton->setAccessibleName(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQKitChatMore")));
     m_moreButton->setFocusPolicy(Qt::NoFocus);
     m_moreButton->setAutoRaise(true);
     m_moreButton->setIconSize(QSize(ButtonSize, ButtonSize));

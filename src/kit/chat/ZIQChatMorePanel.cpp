@@ -2,6 +2,7 @@
 
 #include "kit/chat/ZIQChatColors.h"
 #include "kit/chat/ZIQChatMoreItemView.h"
+#include "kit/common/ZIQGlobalization.h"
 #include "platform/SystemFont.h"
 
 #include <QLabel>
@@ -12,7 +13,7 @@ constexpr int PanelInset = 16;
 
 ZIQChatMorePanel::ZIQChatMorePanel(QWidget *parent)
     : QWidget(parent)
-    , m_emptyLabel(new QLabel(tr("No more items"), this))
+    , m_emptyLabel(new QLabel(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQKitChatMoreEmpty")), this))
 {
     setObjectName(QStringLiteral("morePanel"));
     setAutoFillBackground(true);

@@ -1,6 +1,7 @@
 #include "kit/chat/ZIQMessageStatusView.h"
 
 #include "kit/chat/ZIQChatColors.h"
+#include "kit/common/ZIQGlobalization.h"
 #include "platform/MainQueue.h"
 #include "platform/SystemFont.h"
 
@@ -11,7 +12,7 @@ ZIQMessageStatusView::ZIQMessageStatusView(QWidget *parent)
     : QAbstractButton(parent)
 {
     setObjectName(QStringLiteral("messageStatus"));
-    setAccessibleName(tr("Resend"));
+    setAccessibleName(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQKitChatResend")));
     setFocusPolicy(Qt::NoFocus);
     setCursor(Qt::PointingHandCursor);
     setFixedSize(Size, Size);

@@ -49,6 +49,7 @@ ZIQThemeManager *ZIQThemeManager::shareManager()
     static ZIQThemeManager *manager = [] {
         auto *created = new ZIQThemeManager;
         created->registerThemeResourcePath(CommonThemePath, ZIQThemeModuleCommon);
+        created->applyApplicationPalette();
         return created;
     }();
     return manager;
@@ -128,7 +129,11 @@ void ZIQThemeManager::applyApplicationPalette()
 {
     if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
         return;
-    if (!m_lightPalette)
+    if (!m_lightPalette) {
+        // Links and selections in the phone's blue, as the dark palette has them.
         m_lightPalette = QGuiApplication::palette();
+        m_lightPalette->setColor(QPalette::Link, QColor(0x00, 0x7A, 0xFF));
+        m_lightPalette->setColor(QPalette::Highlight, QColor(0x00, 0x7A, 0xFF));
+    }
     QGuiApplication::setPalette(isDark() ? darkPalette() : *m_lightPalette);
 }
