@@ -21,8 +21,6 @@ private Q_SLOTS:
         QTest::newRow("top-left and bottom-right") << Corners(Corner::TopLeft | Corner::BottomRight) << "0110";
         QTest::newRow("all but top-right")
             << Corners(Corner::TopLeft | Corner::BottomLeft | Corner::BottomRight) << "0100";
-        QTest::newRow("all but top-left")
-            << Corners(Corner::TopRight | Corner::BottomLeft | Corner::BottomRight) << "1000";
         QTest::newRow("none") << Corners() << "1111";
         QTest::newRow("all") << Corners(Corner::All) << "0000";
     }

@@ -140,7 +140,6 @@ private Q_SLOTS:
         QTest::newRow("connection refused") << QStringLiteral("http refused") << false;
         QTest::newRow("not an image") << QStringLiteral("data:text/plain,hello") << false;
         QTest::newRow("missing file") << QStringLiteral("/nonexistent/avatar.png") << false;
-        QTest::newRow("relative") << QStringLiteral("avatar.png") << false;
         QTest::newRow("empty") << QString() << false;
     }
 

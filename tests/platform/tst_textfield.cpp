@@ -72,7 +72,6 @@ private Q_SLOTS:
         QTest::newRow("left") << TextField::Alignment::Left << "Milk" << false << false << false;
         QTest::newRow("right") << TextField::Alignment::Right << "Milk" << true << true << false;
         QTest::newRow("right, arabic") << TextField::Alignment::Right << arabic << true << true << false;
-        QTest::newRow("left, arabic") << TextField::Alignment::Left << arabic << false << false << false;
         QTest::newRow("natural, arabic") << TextField::Alignment::Natural << arabic << true << false << false;
         QTest::newRow("one view in both slots") << TextField::Alignment::Right << "Milk" << true << true << true;
     }
