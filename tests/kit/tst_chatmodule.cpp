@@ -1,14 +1,10 @@
 // The chat module's pieces around the message list: message kinds by "businessID" with the
-// fallback to the unsupported row, attributed lines, the conversation list, and the "more"
-// panel query.
+// fallback to the unsupported row, attributed lines, and the "more" panel query.
 #include "ChatTestSupport.h"
-#include "sdk/ClientCalls.h"
-#include "support/GroupFixture.h"
 
 #include "kit/chat/ZIQChatClassRegistry.h"
 #include "kit/chat/ZIQChatInputMoreItems.h"
 #include "kit/chat/ZIQChatService.h"
-#include "kit/chat/ZIQConversationList.h"
 #include "kit/chat/ZIQSystemMessageCellData.h"
 #include "kit/chat/ZIQTextMessageCellData.h"
 #include "kit/chat/ZIQUnsupportedMessageCellData.h"
@@ -17,17 +13,16 @@
 #include "kit/core/ZIQExtensionProtocol.h"
 
 #include <QRegularExpression>
-#include <QSignalSpy>
 
 namespace {
 
-V2VORMessagePtr customMessage(const QByteArray &body, bool isSelf = false)
+/// A message of alice's own with a custom body.
+V2VORMessagePtr customMessage(const QByteArray &body)
 {
     auto message = std::make_shared<V2VORMessage>();
     message->setElemType(V2VOR_ELEM_TYPE_CUSTOM);
     message->setCustomElem(std::make_unique<V2VORCustomElem>(V2VORCustomElem { body, {}, {} }));
-    message->setMsgID(QStringLiteral("msg-7"));
-    message->setIsSelf(isSelf);
+    message->setIsSelf(true);
     return message;
 }
 
@@ -62,46 +57,35 @@ private Q_SLOTS:
     void buildsRowsByBusinessIDElseUnsupported_data()
     {
         QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("dataClass");
-        QTest::addColumn<QString>("cellClass");
+        QTest::addColumn<bool>("registered");
         QTest::addColumn<QString>("display");
-        QTest::addColumn<bool>("canForward");
-        const QString unsupported = "ZIQUnsupportedMessageCellData";
-        const QString unsupportedCell = ZIQChatClassRegistry::unsupportedCellName;
-        const QString unsupportedText = "[Unsupported message]";
-        QTest::newRow("registered") << sheetBody(2) << "SheetCellData"
-                                    << "SheetCell"
-                                    << "[Sheet]" << false;
-        QTest::newRow("unknown kind") << sheetBody(2, "poll") << unsupported << unsupportedCell << unsupportedText
-                                      << false;
-        QTest::newRow("kind without its data class")
-            << sheetBody(2, "ghost") << unsupported << unsupportedCell << unsupportedText << false;
-        QTest::newRow("plug-in cannot read it") << QByteArray(R"({"businessID":"sheet","broken":true})") << unsupported
-                                                << unsupportedCell << "[Sheet]" << false;
-        QTest::newRow("no businessID") << QByteArray(R"({"lines":2})") << unsupported << unsupportedCell
-                                       << unsupportedText << false;
-        QTest::newRow("not JSON") << QByteArray("sheet") << unsupported << unsupportedCell << unsupportedText << false;
+        const QString unsupported = "[Unsupported message]";
+        QTest::newRow("registered") << sheetBody(2) << true << "[Sheet]";
+        QTest::newRow("unknown kind") << sheetBody(2, "poll") << false << unsupported;
+        QTest::newRow("kind without its data class") << sheetBody(2, "ghost") << false << unsupported;
+        QTest::newRow("plug-in cannot read it") << QByteArray(R"({"businessID":"sheet","broken":true})") << false
+                                                << "[Sheet]";
+        QTest::newRow("no businessID") << QByteArray(R"({"lines":2})") << false << unsupported;
+        QTest::newRow("not JSON") << QByteArray("sheet") << false << unsupported;
     }
 
     void buildsRowsByBusinessIDElseUnsupported()
     {
         QFETCH(QByteArray, body);
-        QFETCH(QString, dataClass);
-        QFETCH(QString, cellClass);
+        QFETCH(bool, registered);
         QFETCH(QString, display);
-        QFETCH(bool, canForward);
         const ZIQChatClassRegistry &registry = ZIQChatClassRegistry::instance();
-        const V2VORMessagePtr message = customMessage(body, true);
+        const V2VORMessagePtr message = customMessage(body);
         const ZIQMessageCellDataPtr data = registry.cellDataForMessage(message);
-        QCOMPARE(QString::fromLatin1(data->metaObject()->className()), dataClass);
-        QCOMPARE(data->cellClassName(), cellClass);
+        QCOMPARE(QString::fromLatin1(data->metaObject()->className()),
+            registered ? "SheetCellData" : "ZIQUnsupportedMessageCellData");
+        QCOMPARE(data->cellClassName(), registered ? "SheetCell" : ZIQChatClassRegistry::unsupportedCellName);
         QCOMPARE(data->innerMessage(), message);
-        QCOMPARE(data->msgID(), QStringLiteral("msg-7"));
         QCOMPARE(data->direction(), ZIQMessageDirection::Outgoing);
         QCOMPARE(registry.displayStringForMessage(message), display);
-        QCOMPARE(registry.canForwardMessage(message), canForward);
+        QVERIFY(!registry.canForwardMessage(message));
         // Only the plug-in's cell measures; the kit's own cells come with the screens.
-        QCOMPARE(registry.contentSizeOf(data).isValid(), cellClass == "SheetCell");
+        QCOMPARE(registry.contentSizeOf(data).isValid(), registered);
     }
 
     void textMessagesAreTheKitsOwnRows()
@@ -136,45 +120,12 @@ private Q_SLOTS:
         QCOMPARE(data.content(), QStringLiteral("Bob <joined> [Lunch]"));
     }
 
-    void conversationListFollowsActivityAndReadMarks()
-    {
-        GroupFixture group;
-        group.server()->setGroupInfo(group.groupID(), "Lunch club");
-        group.server()->createGroup("quiet", { "alice", "bob" });
-        ZIQConversationList list(group.client("alice"));
-        QSignalSpy loaded(&list, &ZIQConversationList::loadFinished);
-        list.load();
-        QTRY_COMPARE(loaded.size(), 1);
-        QCOMPARE(list.count(), 2);
-        QCOMPARE(list.at(0).conversationID, QStringLiteral("group_quiet"));
-
-        QVERIFY(sendToGroup(group.client("bob"), group.groupID(), sheetBody(1)));
-        QVERIFY(sendText(group.client("carol"), group.groupID(), "me too"));
-        QTRY_COMPARE(list.at(0).unreadCount, 2);
-        QCOMPARE(list.at(0).title, QStringLiteral("Lunch club"));
-        QCOMPARE(list.at(0).subTitle, QStringLiteral("me too"));
-        CallOutcome<> sent;
-        group.client("bob")->sendMessage(group.client("bob")->createCustomMessage(sheetBody(1)), "alice", {}, 0, false,
-            std::nullopt, {}, sent.done(), sent.fail());
-        QTRY_COMPARE(list.count(), 3);
-        QCOMPARE(list.at(0).title, QStringLiteral("Bob"));
-        QCOMPARE(list.at(0).subTitle, QStringLiteral("[Sheet]"));
-        QCOMPARE(list.totalUnreadCount(), 3);
-
-        const ZIQChatConversation opened = list.openConversation(list.rowOf("group_group-1"));
-        QCOMPARE(opened, ZIQChatConversation({ group.groupID(), {} }));
-        QTRY_COMPARE(list.at(list.rowOf("group_group-1")).unreadCount, 0);
-        QCOMPARE(list.totalUnreadCount(), 1);
-        QCOMPARE(list.at(2).conversationID, QStringLiteral("group_quiet"));
-    }
-
     void morePanelAsksEveryChat_data()
     {
         QTest::addColumn<QString>("groupID");
         QTest::addColumn<bool>("minimalist");
         QTest::addColumn<bool>("filter");
         QTest::newRow("group chat") << "group-1" << false << false;
-        QTest::newRow("one-to-one chat") << "" << false << false;
         QTest::newRow("minimalist, filtered") << "group-1" << true << true;
     }
 
@@ -203,8 +154,6 @@ private Q_SLOTS:
         const QVariantMap param = heavy.lastParam;
         QCOMPARE(param.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID).toString(), groupID);
         QCOMPARE(param.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_FilterGroupNote).toBool(), filter);
-        QCOMPARE(param.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_VC).value<QObject *>(), &screen);
-        QCOMPARE(param.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_PushVC).value<QObject *>(), &navigation);
     }
 };
 

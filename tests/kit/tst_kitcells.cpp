@@ -1,7 +1,7 @@
 // The kit's base cells inside a settings screen: switch and key/value rows report their actions
-// to the screen that owns them (and drop what it does not answer to), rows take their heights
-// from their data, filling is a pure redraw, and a theme switch re-colours the rows. Also draws
-// the sample settings screen, light and dark, with the keyboard up.
+// to the screen that owns them (and drop what it does not answer to), filling is a pure redraw,
+// and a theme switch re-colours the rows. Also draws the sample settings screen, light and
+// dark, with the keyboard up.
 #include "SampleSettingsScreen.h"
 
 #include "kit/common/ZIQCommonSwitchCellData.h"
@@ -10,7 +10,6 @@
 #include "platform/Keyboard.h"
 #include "platform/ManualClock.h"
 #include "platform/NavigationController.h"
-#include "platform/NavigationItem.h"
 #include "platform/Screen.h"
 #include "platform/Switch.h"
 #include "platform/SystemFont.h"
@@ -18,7 +17,6 @@
 #include <QDir>
 #include <QLabel>
 #include <QTest>
-#include <QToolButton>
 
 using platform::ManualClock;
 
@@ -66,18 +64,6 @@ struct Phone
         auto *root = new platform::ViewController;
         root->setTitle(QStringLiteral("Me"));
         stack.pushViewController(root, false);
-        auto *done = new QToolButton;
-        done->setObjectName(QStringLiteral("doneButton"));
-        done->setText(QStringLiteral("Done"));
-        done->setFont(platform::SystemFont::font(17, QFont::DemiBold));
-        done->setAutoRaise(true);
-        done->setFocusPolicy(Qt::NoFocus);
-        ZIQTheme::bind(done, [done] {
-            QPalette palette = done->palette();
-            palette.setColor(QPalette::ButtonText, ZIQTheme::d_systemBlueColor());
-            done->setPalette(palette);
-        });
-        screen->navigationItem()->setRightItemWidget(done);
         stack.pushViewController(screen, false);
         QWidget *window = stack.view();
         window->resize(int(platform::Screen::width()), int(platform::Screen::height()));
@@ -178,19 +164,6 @@ private Q_SLOTS:
         QCOMPARE(phone.screen->reports.size(), selector.isEmpty() ? 0 : 1);
         if (!selector.isEmpty())
             QCOMPARE(phone.screen->reports.first().cell, cell);
-    }
-
-    void rowsTakeTheirHeightsFromTheirData()
-    {
-        ManualClock clock;
-        Phone phone(sampleRows());
-        const QList<qreal> heights { SampleTextFieldCellData::Height, SampleTextFieldCellData::Height,
-            ZIQCommonCellData::DefaultHeight, ZIQCommonCellData::DefaultHeight, ZIQCommonCellData::DefaultHeight,
-            ZIQCommonCellData::DefaultHeight };
-        for (int row = 0; row < heights.size(); ++row) {
-            QCOMPARE(phone.screen->tableView()->rectForRow({ 0, row }).height(), heights.at(row));
-            QCOMPARE(phone.screen->tableView()->cellForRow({ 0, row })->height(), int(heights.at(row)));
-        }
     }
 
     void fillingAgainChangesNothing_data()
