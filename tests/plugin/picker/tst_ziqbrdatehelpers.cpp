@@ -4,6 +4,7 @@
 
 #include "platform/ManualClock.h"
 
+#include <QScopeGuard>
 #include <QTest>
 
 #include <memory>
@@ -16,25 +17,6 @@ std::unique_ptr<icu::TimeZone> utcOrDefault(bool inUtc)
 {
     return std::unique_ptr<icu::TimeZone>(inUtc ? icu::TimeZone::createTimeZone("UTC") : nullptr);
 }
-
-/// Makes ICU's default time zone `id` for a scope and puts the previous one back after it, even
-/// when a failed check leaves the test early.
-class DefaultTimeZoneScope
-{
-public:
-    explicit DefaultTimeZoneScope(const char *id)
-        : m_previous(icu::TimeZone::createDefault())
-    {
-        const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(id));
-        icu::TimeZone::setDefault(*zone);
-    }
-    ~DefaultTimeZoneScope() { icu::TimeZone::setDefault(*m_previous); }
-    DefaultTimeZoneScope(const DefaultTimeZoneScope &) = delete;
-    DefaultTimeZoneScope &operator=(const DefaultTimeZoneScope &) = delete;
-
-private:
-    std::unique_ptr<icu::TimeZone> m_previous;
-};
 
 } // namespace
 
@@ -171,7 +153,9 @@ private Q_SLOTS:
     {
         // In a zone with summer time, parsing takes the offset in force now even for a winter date,
         // while formatting follows the zone's rules.
-        const DefaultTimeZoneScope newYork("America/New_York");
+        const std::unique_ptr<icu::TimeZone> previous(icu::TimeZone::createDefault());
+        const auto restore = qScopeGuard([&] { icu::TimeZone::setDefault(*previous); });
+        icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("America/New_York"));
         platform::ManualClock summer(QDateTime(QDate(2026, 7, 1), QTime(12, 0), Qt::UTC).toMSecsSinceEpoch());
 
         QCOMPARE(currentTimeZone()->getRawOffset(), -4 * 3600 * 1000);

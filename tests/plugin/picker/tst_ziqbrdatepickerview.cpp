@@ -176,26 +176,34 @@ private Q_SLOTS:
         QCOMPARE(screen.result.calls, 9);
     }
 
-    void monthChangeMovesTheDayToTheLastRow_data()
+    void higherColumnKeepsTheLowerOnes_data()
     {
         QTest::addColumn<double>("now");
+        QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("value");
-        QTest::newRow("31 January to February") << localMs(2026, 1, 31, 9, 0) << "2026-02-28 09:01";
-        QTest::newRow("31 January to a leap February") << localMs(2024, 1, 31, 9, 0) << "2024-02-29 09:01";
-        QTest::newRow("31 March to April") << localMs(2026, 3, 31, 9, 0) << "2026-04-30 09:01";
+        QTest::addColumn<bool>("adjusted"); // a day past the new month's end moves to its last row
+        QTest::addColumn<int>("days");
+        QTest::newRow("31 January to February")
+            << localMs(2026, 1, 31, 9, 0) << "month" << "2026-02-28 09:01" << true << 28;
+        QTest::newRow("31 January to a leap February")
+            << localMs(2024, 1, 31, 9, 0) << "month" << "2024-02-29 09:01" << true << 29;
+        QTest::newRow("31 March to April") << localMs(2026, 3, 31, 9, 0) << "month" << "2026-04-30 09:01" << true << 30;
+        QTest::newRow("the next year") << localMs(2026, 3, 15, 10, 7) << "year" << "2027-03-15 10:08" << false << 31;
     }
 
-    void monthChangeMovesTheDayToTheLastRow()
+    void higherColumnKeepsTheLowerOnes()
     {
         QFETCH(double, now);
+        QFETCH(QString, field);
         QFETCH(QString, value);
         Screen screen(now);
         ZIQBRDatePickerView *picker = screen.showDeadlinePicker();
-        press(picker, "month", Qt::Key_Down);
-        QCOMPARE(rowsAt(picker, At::Last).split(QLatin1Char(' ')).at(2), value.mid(8, 2));
-        QVERIFY(picker->isAdjustSelectRow());
+        press(picker, field.toLatin1().constData(), Qt::Key_Down);
+        QTEST(picker->isAdjustSelectRow(), "adjusted");
+        QTEST(int(wheel(picker, "day")->rows().size()), "days");
         QCOMPARE(selectedRows(picker), value);
         QCOMPARE(screen.result.value, value);
+        QCOMPARE(picker->minuteArr().size(), 60);
     }
 
     void descendingListsStartWithTheLargestValue()
