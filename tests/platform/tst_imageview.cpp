@@ -26,11 +26,10 @@ QImage filled(const QColor &color)
 
 QByteArray png(const QColor &color)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
+    QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     filled(color).save(&buffer, "PNG");
-    return bytes;
+    return buffer.data();
 }
 
 QColor colorOf(const QImage &image)
@@ -69,8 +68,7 @@ private:
     void read(QTcpSocket *socket)
     {
         QByteArray &request = m_requests[socket];
-        request += socket->readAll();
-        if (!request.contains("\r\n\r\n"))
+        if (!(request += socket->readAll()).contains("\r\n\r\n"))
             return;
         ++requests;
         const QByteArray path = request.split(' ').value(1);
@@ -82,9 +80,8 @@ private:
 
     static void answer(QTcpSocket *socket, const QByteArray &body)
     {
-        const QByteArray status = body.isEmpty() ? "404 Not Found" : "200 OK";
-        socket->write("HTTP/1.1 " + status + "\r\nContent-Type: image/png\r\nConnection: close\r\nContent-Length: "
-            + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+        socket->write("HTTP/1.1 " + QByteArray(body.isEmpty() ? "404 Not Found" : "200 OK")
+            + "\r\nConnection: close\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
         socket->disconnectFromHost();
     }
 

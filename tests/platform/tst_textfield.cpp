@@ -70,7 +70,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("placeholderOnRight");
         QTest::addColumn<bool>("sameViewBothSides");
         QTest::newRow("left") << TextField::Alignment::Left << "Milk" << false << false << false;
-        QTest::newRow("right") << TextField::Alignment::Right << "Milk" << true << true << false;
         QTest::newRow("right, arabic") << TextField::Alignment::Right << arabic << true << true << false;
         QTest::newRow("natural, arabic") << TextField::Alignment::Natural << arabic << true << false << false;
         QTest::newRow("one view in both slots") << TextField::Alignment::Right << "Milk" << true << true << true;
