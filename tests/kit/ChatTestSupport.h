@@ -43,11 +43,9 @@ class SheetCell : public QObject
 public:
     static QSizeF getContentSize(ZIQMessageCellData *data)
     {
-        ++measured;
         const QJsonObject body = ZIQTool::jsonData2Dictionary(data->innerMessage()->customElem()->data);
         return QSizeF(240, 40 * body.value("lines").toInt(1));
     }
-    static inline int measured = 0;
 };
 
 struct EventRecorder : ZIQNotifyProtocol

@@ -3,10 +3,10 @@
 // actions its cells report, so tests can see what reached it.
 #pragma once
 
-#include "SampleTextFieldCell.h"
-
 #include "kit/common/ZIQCommonSwitchCell.h"
 #include "kit/common/ZIQCommonTextCell.h"
+#include "kit/common/ZIQTheme.h"
+#include "kit/common/ZIQThemeManager.h"
 #include "platform/Switch.h"
 #include "platform/TableView.h"
 #include "platform/TableViewDataSource.h"
@@ -20,8 +20,6 @@ class SampleSettingsScreen : public platform::ViewController,
     Q_OBJECT
 
 public:
-    static constexpr qreal HeaderHeight = 20;
-
     struct Report
     {
         QByteArray action;
@@ -37,11 +35,7 @@ public:
         setExtendsUnderNavigationBar(false);
     }
 
-    platform::TableView *tableView()
-    {
-        view();
-        return m_table;
-    }
+    platform::TableView *tableView() const { return m_table; }
 
     Q_INVOKABLE void onSwitchChanged(ZIQCommonSwitchCell *cell)
     {
@@ -63,7 +57,6 @@ protected:
         m_table->setDataSource(this);
         m_table->setDelegate(this);
         m_table->setSeparatorStyle(platform::TableView::SeparatorStyle::SingleLine);
-        m_table->registerCell<SampleTextFieldCell>(QStringLiteral("textFieldCell"));
         m_table->registerCell<ZIQCommonSwitchCell>(QStringLiteral("switchCell"));
         m_table->registerCell<ZIQCommonTextCell>(QStringLiteral("textCell"));
         // Rows stand on the grouped background of a settings page.
@@ -87,8 +80,7 @@ protected:
         return cell;
     }
 
-    qreal heightForHeader(platform::TableView *, int) override { return HeaderHeight; }
-
+    qreal heightForHeader(platform::TableView *, int) override { return 20; }
     qreal heightForRow(platform::TableView *table, const platform::IndexPath &path) override
     {
         return rows.at(path.row)->heightOfWidth(table->viewport()->width());

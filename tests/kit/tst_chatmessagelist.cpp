@@ -5,11 +5,7 @@
 #include "sdk/ClientCalls.h"
 #include "support/GroupFixture.h"
 
-#include "kit/chat/ZIQChatClassRegistry.h"
-#include "kit/chat/ZIQChatService.h"
 #include "kit/chat/ZIQTextMessageCellData.h"
-#include "kit/core/ZIQCore.h"
-#include "kit/core/ZIQCoreDefines.h"
 
 #include <QSignalSpy>
 
@@ -60,7 +56,6 @@ private Q_SLOTS:
         const auto text = std::dynamic_pointer_cast<ZIQTextMessageCellData>(atBob.cellData(4));
         QVERIFY(text && text->direction() == ZIQMessageDirection::Incoming);
         QCOMPARE(text->content(), QStringLiteral("four"));
-        QCOMPARE(text->cellClassName(), ZIQChatClassRegistry::textCellName);
 
         // A modified message keeps its cell data, which now shows the new body.
         const ZIQMessageCellDataPtr before = atBob.cellData(3);
@@ -72,7 +67,6 @@ private Q_SLOTS:
         QCOMPARE(changed.first(), QVariantList({ 3 }));
         QCOMPARE(atBob.cellData(3), before);
         QCOMPARE(atBob.count(), 5);
-        QVERIFY(atBob.needsMeasure(3));
         QCOMPARE(atBob.contentSize(3), QSizeF(240, 120));
     }
 
