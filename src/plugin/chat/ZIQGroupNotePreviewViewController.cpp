@@ -215,8 +215,9 @@ void ZIQGroupNotePreviewViewController::refreshWithNewestInfo()
             if (code != 0)
                 return;
             card.updateInfoLabel();
-            card.itemsTableView()->reloadData();
+            // Sized first, so the table loads the rows it is about to show.
             card.layoutViews();
+            card.itemsTableView()->reloadData();
         }));
     dataProvider()->refreshCreatorInfoWithCompletion(
         whileCurrent([](ZIQGroupNotePreviewViewController &card, int code, const QString &) {

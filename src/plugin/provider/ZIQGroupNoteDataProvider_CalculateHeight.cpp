@@ -7,6 +7,8 @@
 #include "platform/SystemFont.h"
 #include "platform/TextMeasure.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr qreal CardWidthRatio = 0.7;
@@ -22,9 +24,10 @@ constexpr qint64 EntryRowHeight = 38;
 constexpr float ButtonMargins = 24;
 constexpr float ButtonHeight = 36;
 
+// Without a screen (an empty or unset size) every width is 0.
 qreal cardWidth()
 {
-    return platform::Screen::width() * CardWidthRatio;
+    return std::max<qreal>(platform::Screen::width(), 0) * CardWidthRatio;
 }
 
 } // namespace
