@@ -18,6 +18,17 @@ inline QColor body()
     return color("group_note_body_bg_color", "#F9F9F9");
 }
 
+/// Fills `widget` with `color`. Inside a table's viewport a widget would otherwise take the
+/// viewport's Base role for its background and ignore this colour.
+inline void fillBackground(QWidget *widget, const QColor &color)
+{
+    widget->setAutoFillBackground(true);
+    widget->setBackgroundRole(QPalette::Window);
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::Window, color);
+    widget->setPalette(palette);
+}
+
 /// Draws a label's text in `textColor`, whatever background it sits on.
 inline void setTextColor(QWidget *label, const QColor &textColor)
 {

@@ -68,10 +68,7 @@ void ZIQGroupNoteContainerCell::reConfigTagView()
     auto *strip = extValue.toMap().value(reactPreviewKey).value<QWidget *>();
     if (!strip || !strip->parentWidget())
         return;
-    strip->setAutoFillBackground(true);
-    QPalette palette = strip->palette();
-    palette.setColor(QPalette::Window, ZIQGroupNoteColors::body());
-    strip->setPalette(palette);
+    ZIQGroupNoteColors::fillBackground(strip, ZIQGroupNoteColors::body());
     bubbleView()->hide();
     m_vc->setDisCorner(true);
 }

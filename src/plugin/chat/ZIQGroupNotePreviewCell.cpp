@@ -38,7 +38,6 @@ ZIQGroupNotePreviewCell::ZIQGroupNotePreviewCell(const QString &reuseIdentifier,
     m_contentLabel->setObjectName(QStringLiteral("contentLabel"));
     m_contentLabel->setFont(platform::SystemFont::regular(FontSize));
     m_bottomLine->setObjectName(QStringLiteral("bottomLine"));
-    m_bottomLine->setAutoFillBackground(true);
     connect(this, &TableViewCell::tapped, this, &ZIQGroupNotePreviewCell::onSelectMessage);
     ZIQTheme::bind(this, [this] { applyColors(); });
 }
@@ -101,7 +100,5 @@ void ZIQGroupNotePreviewCell::applyColors()
     setTextColor(m_contentLabel,
         isExpandCell() ? color("primary_theme_color", "#147AFF", ZIQThemeModuleCommon)
                        : color("group_note_cell_desc_color", "666666"));
-    QPalette line = m_bottomLine->palette();
-    line.setColor(QPalette::Window, color("group_note_cell_seperator_color", "#DDDDDD"));
-    m_bottomLine->setPalette(line);
+    fillBackground(m_bottomLine, color("group_note_cell_seperator_color", "#DDDDDD"));
 }

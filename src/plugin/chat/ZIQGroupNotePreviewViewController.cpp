@@ -148,8 +148,6 @@ QWidget *ZIQGroupNotePreviewViewController::loadView()
 {
     m_root = new QWidget;
     m_root->setObjectName(QStringLiteral("groupNoteCard"));
-    m_root->setAutoFillBackground(true);
-    m_root->setAttribute(Qt::WA_NoSystemBackground, false);
     buildHeader(m_root);
 
     m_itemsTableView = new platform::TableView(m_root);
@@ -178,7 +176,6 @@ void ZIQGroupNotePreviewViewController::buildHeader(QWidget *root)
 {
     m_headerView = new QWidget(root);
     m_headerView->setObjectName(QStringLiteral("headerView"));
-    m_headerView->setAutoFillBackground(true);
     m_iconView = new QLabel(m_headerView);
     m_iconView->setObjectName(QStringLiteral("iconView"));
     m_iconView->setAccessibleName(localized("ZIQGroupNoteMessageTitle"));
@@ -384,13 +381,8 @@ void ZIQGroupNotePreviewViewController::applyCorners()
 void ZIQGroupNotePreviewViewController::applyTheme()
 {
     using namespace ZIQGroupNoteColors;
-    const auto fill = [](QWidget *widget, const QColor &color) {
-        QPalette palette = widget->palette();
-        palette.setColor(QPalette::Window, color);
-        widget->setPalette(palette);
-    };
-    fill(m_root, body());
-    fill(m_headerView, color("group_note_header_bg_color", "#F2F7FF"));
+    fillBackground(m_root, body());
+    fillBackground(m_headerView, color("group_note_header_bg_color", "#F2F7FF"));
     m_itemsTableView->setBackgroundColor(body());
     const QIcon icon = ZIQTheme::dynamicImage(QStringLiteral("group_note_icon_img"), ZIQGroupNoteThemeModule,
         ZIQTheme::imageWithContentsOfFile(getZIQGetBundlePath() + QStringLiteral("/group_note_icon")));

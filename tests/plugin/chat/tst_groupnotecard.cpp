@@ -191,6 +191,10 @@ private Q_SLOTS:
         QCOMPARE(card->joinButton()->geometry(), QRect(65, header + 38 * rows + 12, 133, 36));
         QCOMPARE(card->joinButton()->geometry().bottom() + 1 + 12, root->height());
         QVERIFY(card->infoLabel()->text().contains(QStringLiteral("Alice")));
+        // Drawn inside the chat's table, the header and the body keep their own colours.
+        const QImage drawn = root->grab().toImage();
+        QCOMPARE(drawn.pixelColor(250, 5), QColor("#F2F7FF"));
+        QCOMPARE(drawn.pixelColor(20, root->height() - 24), QColor("#F9F9F9"));
     }
 
     void expandingFiveEntries()
