@@ -61,6 +61,16 @@ ZIQGroupNotePreviewViewController::ZIQGroupNotePreviewViewController(const V2VOR
 
 ZIQGroupNotePreviewViewController::~ZIQGroupNotePreviewViewController() = default;
 
+ZIQGroupNoteContainerCell *ZIQGroupNotePreviewViewController::cell() const
+{
+    return m_cell;
+}
+
+void ZIQGroupNotePreviewViewController::setCell(ZIQGroupNoteContainerCell *cell)
+{
+    m_cell = cell;
+}
+
 ZIQGroupNoteDataProvider *ZIQGroupNotePreviewViewController::dataProvider()
 {
     if (!m_dataProvider)

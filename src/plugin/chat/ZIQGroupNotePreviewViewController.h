@@ -47,8 +47,8 @@ public:
     V2VORMessagePtr message() const { return m_message; }
     void setMessage(const V2VORMessagePtr &message) { m_message = message; }
     /// The cell hosting the card, whose data keeps the expanded state; held weakly.
-    ZIQGroupNoteContainerCell *cell() const { return m_cell; }
-    void setCell(ZIQGroupNoteContainerCell *cell) { m_cell = cell; }
+    ZIQGroupNoteContainerCell *cell() const;
+    void setCell(ZIQGroupNoteContainerCell *cell);
     /// The provider of the note shown; an empty one is made on first read if none was set.
     ZIQGroupNoteDataProvider *dataProvider();
     /// Takes `provider` over and listens to it; the previous one is dropped and falls silent.
