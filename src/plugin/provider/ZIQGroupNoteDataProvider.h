@@ -16,6 +16,7 @@
 #include "plugin/provider/ZIQGroupNoteSync.h"
 
 #include <QObject>
+#include <QSizeF>
 
 namespace platform {
 struct Notification;
@@ -148,6 +149,20 @@ public:
         const ZIQSendMessageAppendParams &appendParams, V2VORProgress progress, SendSucc succ, SendFail fail);
     /// The offline push a message to `groupID` would carry.
     static V2VOROfflinePushInfo offlinePushInfo(const QString &groupID);
+
+    // Card size. The note card in the chat is measured from the note alone, before any view
+    // exists; the card lays itself out from the same numbers. Sums are formed in single
+    // precision, one term at a time, so that a row keeps exactly the height it had before.
+    /// The width the card gives its title: 70% of the screen less the header's margins.
+    static qreal titleWidth();
+    /// The note's title in bold 14 within titleWidth(); 0 x 0 without a title.
+    static QSizeF calcTitleSize(const ZIQGroupNoteInfoPtr &info);
+    /// The card's header: icon line, title and info line.
+    static QSizeF calcHeaderViewSize(const ZIQGroupNoteInfoPtr &info);
+    /// The entry table of `count` rows.
+    static float calcTableViewHeight(qint64 count);
+    /// The whole card with `count` entry rows: header, table and the join button's strip.
+    static QSizeF calcSizeOfInfo(const ZIQGroupNoteInfoPtr &info, qint64 count);
 
     // Remote changes. The provider's parts hear them by themselves; these take one passed on by hand.
     void onNotifyEvent(const QString &key, const QString &subKey, QObject *object, const QVariantMap &param);
