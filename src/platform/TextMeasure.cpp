@@ -1,5 +1,6 @@
 #include "platform/TextMeasure.h"
 
+#include <QCache>
 #include <QFontMetricsF>
 #include <QTextLayout>
 
@@ -45,12 +46,25 @@ void layOutParagraph(
     layout.endLayout();
 }
 
-} // namespace
+constexpr int RememberedResults = 4096;
 
-QSizeF TextMeasure::size(const QString &text, const QFont &font, const QSizeF &limit, Options options)
+QCache<QString, QSizeF> &results()
 {
-    if (text.isEmpty())
-        return { 0, 0 };
+    thread_local QCache<QString, QSizeF> cache(RememberedResults);
+    return cache;
+}
+
+QString keyOf(const QString &text, const QFont &font, const QSizeF &limit, TextMeasure::Options options)
+{
+    return QStringLiteral("%1|%2|%3|%4|%5|").arg(font.key(), font.families().join(QLatin1Char(',')),
+               QString::number(limit.width(), 'g', 17),
+               QString::number(limit.height(), 'g', 17), QString::number(int(options)))
+        + text;
+}
+
+QSizeF measure(const QString &text, const QFont &font, const QSizeF &limit, TextMeasure::Options options)
+{
+    using enum TextMeasure::Option;
     const qreal lineWidth
         = options.testFlag(UsesLineFragmentOrigin) ? std::clamp<qreal>(limit.width(), 0, NoWrapWidth) : NoWrapWidth;
     const qreal leading = options.testFlag(UsesFontLeading) ? std::max<qreal>(QFontMetricsF(font).leading(), 0) : 0;
@@ -68,6 +82,25 @@ QSizeF TextMeasure::size(const QString &text, const QFont &font, const QSizeF &l
             break;
     }
     return { extent.width, extent.height };
+}
+
+} // namespace
+
+QSizeF TextMeasure::size(const QString &text, const QFont &font, const QSizeF &limit, Options options)
+{
+    if (text.isEmpty())
+        return { 0, 0 };
+    const QString key = keyOf(text, font, limit, options);
+    if (const QSizeF *known = results().object(key))
+        return *known;
+    const QSizeF measured = measure(text, font, limit, options);
+    results().insert(key, new QSizeF(measured));
+    return measured;
+}
+
+void TextMeasure::clearCache()
+{
+    results().clear();
 }
 
 } // namespace platform

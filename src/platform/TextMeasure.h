@@ -31,8 +31,15 @@ public:
     /// the lines that fit under the limit's height (the first line always counts). Lines break
     /// between words, as a label breaks them; a word wider than the limit overflows it. An
     /// empty text measures 0 x 0.
+    ///
+    /// The last few thousand results are remembered per thread: a list measures the same rows
+    /// again on every reload, and shaping a text (emoji above all, whose glyphs are pictures)
+    /// costs far more than looking the answer up.
     static QSizeF size(
         const QString &text, const QFont &font, const QSizeF &limit, Options options = UsesLineFragmentOrigin);
+
+    /// Forgets every remembered result; for measuring the cost of a first measurement.
+    static void clearCache();
 
     /// The size of `text` on one line, as a label that does not wrap shows it.
     static QSizeF singleLineSize(const QString &text, const QFont &font)

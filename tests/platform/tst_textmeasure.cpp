@@ -109,6 +109,15 @@ private Q_SLOTS:
         QVERIFY(wrapped.height() >= 4 * lineHeight);
         QCOMPARE(TextMeasure::size(Latin, font, QSizeF(120, 2.5 * lineHeight)).height(), 2 * lineHeight);
         QCOMPARE(TextMeasure::size(Latin, font, QSizeF(120, 3)).height(), lineHeight);
+
+        // Remembered results are told apart by font, size and options, and forgetting them
+        // changes no answer.
+        const QSizeF regular = TextMeasure::singleLineSize(Latin, font);
+        QVERIFY(TextMeasure::singleLineSize(Latin, SystemFont::bold(14)).width() > regular.width());
+        QVERIFY(TextMeasure::singleLineSize(Latin, SystemFont::regular(18)).width() > regular.width());
+        QVERIFY(TextMeasure::size(Latin, font, QSizeF(100, TextMeasure::Unbounded)).height() > oneLine.height());
+        TextMeasure::clearCache();
+        QCOMPARE(TextMeasure::singleLineSize(Latin, font), regular);
     }
 };
 
