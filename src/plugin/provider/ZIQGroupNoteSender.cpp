@@ -62,7 +62,11 @@ V2VORMessagePtr ZIQGroupNoteSender::createNoteMessage(const QByteArray &body, co
 
 void ZIQGroupNoteSender::sendNoteMessage(const V2VORMessagePtr &message, SendSucc succ, SendFail fail)
 {
-    if (ZIQCore::getService(ZIQCore_ZIQChatService)) {
+    // The kit's chat sends as the process's user. A session read through another member's client
+    // (a member played beside the user in the same process) sends on that client itself.
+    const V2VORManager *processClient = V2VORManager::sharedInstance();
+    const bool sendsAsProcessUser = !processClient || !manager() || manager() == processClient;
+    if (sendsAsProcessUser && ZIQCore::getService(ZIQCore_ZIQChatService)) {
         m_sendNoteMessageSucc = std::move(succ);
         m_sendNoteMessageFail = std::move(fail);
         m_awaitingAnswer = shared_from_this();
