@@ -142,6 +142,11 @@ private Q_SLOTS:
         QTRY_COMPARE(succeeded, 3);
         QCOMPARE(chat.handedOver.size(), 1);
         QCOMPARE(alices->sender(), QStringLiteral("alice"));
+        // A new note of hers goes to the group it was submitted to.
+        provider.sendGroupNoteMessageToGroup(group.groupID(), [&succeeded] { ++succeeded; }, {});
+        QTRY_COMPARE(succeeded, 4);
+        QCOMPARE(provider.message()->groupID(), group.groupID());
+        QCOMPARE(chat.handedOver.size(), 1);
     }
 };
 
