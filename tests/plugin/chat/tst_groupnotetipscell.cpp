@@ -146,14 +146,6 @@ private Q_SLOTS:
         QCOMPARE(ZIQGroupNoteTipsCellData::getDisplayString(tipsMessage(body)), QStringLiteral("[Group Note]"));
     }
 
-    void ownMessagesPointOutward()
-    {
-        const auto own = ZIQGroupNoteTipsCellData::getCellData(tipsMessage(titled("x"), "amy", "Amy", true));
-        const auto other = ZIQGroupNoteTipsCellData::getCellData(tipsMessage(titled("x"), "ben", "Ben", false));
-        QCOMPARE(own->direction(), ZIQMessageDirection::Outgoing);
-        QCOMPARE(other->direction(), ZIQMessageDirection::Incoming);
-    }
-
     void onlyThisRowsTapOpensTheEditor_data()
     {
         QTest::addColumn<QString>("tapped"); // which row the chat says was tapped

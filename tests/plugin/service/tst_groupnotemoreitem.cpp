@@ -6,7 +6,6 @@
 #include "kit/chat/ZIQBaseChatViewController.h"
 #include "kit/chat/ZIQChatInputController.h"
 #include "kit/chat/ZIQChatInputMoreItems.h"
-#include "kit/chat/ZIQChatMorePanel.h"
 #include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQThemeManager.h"
 #include "kit/core/ZIQCore.h"
@@ -18,7 +17,6 @@
 #include "plugin/service/ZIQGroupNoteExtensionObserver.h"
 
 #include <QTest>
-#include <QToolButton>
 
 namespace {
 
@@ -154,19 +152,6 @@ private Q_SLOTS:
         QVERIFY(editor->isCreateNew());
         QVERIFY(!editor->dataProvider()->message());
         QVERIFY(open.navigation.isTransitioning()); // pushed with animation
-    }
-
-    void thePanelOfAGroupChatShowsTheItem()
-    {
-        platform::ScreenScope screen({ 375, 812 });
-        GroupFixture group;
-        OpenChat open(group);
-        ZIQChatInputController *input = open.chat->inputController();
-        QTest::mouseClick(input->moreButton(), Qt::LeftButton);
-        QTRY_VERIFY(input->morePanel()->itemView(0));
-        QTest::mouseClick(input->morePanel()->itemView(0), Qt::LeftButton);
-        QTRY_VERIFY(qobject_cast<ZIQGroupNoteViewController *>(open.navigation.topViewController()));
-        QVERIFY(!input->isMorePanelVisible());
     }
 };
 

@@ -1,10 +1,9 @@
 // The plug-in's start-up over real clients: the version record reaches the messaging client's
-// log at once or after the next login, the two message kinds reach the chat service in order
-// and resolve to the tips classes, the theme files are found, and bundles are looked up in the
-// program, beside it, then in the module's framework folder, each cache keeping its answer.
+// log at once or after the next login, the two message kinds reach the chat service in order,
+// the theme files are found, and bundles are looked up in the program, beside it, then in the
+// module's framework folder, each cache keeping its answer.
 #include "support/GroupFixture.h"
 
-#include "kit/chat/ZIQChatClassRegistry.h"
 #include "kit/chat/ZIQChatService.h"
 #include "kit/common/ZIQLogin.h"
 #include "kit/common/ZIQThemeManager.h"
@@ -12,7 +11,6 @@
 #include "kit/core/ZIQCoreDefines.h"
 #include "kit/core/ZIQServiceProtocol.h"
 #include "platform/NotificationCenter.h"
-#include "plugin/chat/ZIQGroupNoteTipsCellData.h"
 #include "plugin/service/ZIQGroupNoteBundle.h"
 #include "plugin/service/ZIQGroupNoteDefines.h"
 #include "plugin/service/ZIQGroupNoteService.h"
@@ -141,18 +139,6 @@ private Q_SLOTS:
                 kind("group_note_tips", "ZIQGroupNoteTipsCell", "ZIQGroupNoteTipsCellData") },
         };
         QCOMPARE(chat.calls, expected);
-    }
-
-    void aTipsMessageResolvesToTheTipsRow()
-    {
-        // load() registered through the real chat service; its names must find the classes.
-        GroupFixture group;
-        V2VORManager *alice = group.client(QStringLiteral("alice"));
-        const V2VORMessagePtr tips = alice->createCustomMessage(R"({"businessID":"group_note_tips","title":"Hike"})");
-        const ZIQMessageCellDataPtr data = ZIQChatClassRegistry::instance().cellDataForMessage(tips);
-        QVERIFY(qobject_cast<ZIQGroupNoteTipsCellData *>(data.get()));
-        QCOMPARE(data->cellClassName(), QStringLiteral("ZIQGroupNoteTipsCell"));
-        QVERIFY(ZIQChatClassRegistry::instance().cellClass(data->cellClassName()));
     }
 
     void theThemeFilesAreRegisteredForThePluginModule()
