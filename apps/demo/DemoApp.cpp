@@ -1,6 +1,7 @@
 #include "DemoApp.h"
 
 #include "DemoCast.h"
+#include "DemoNoteScene.h"
 #include "DemoScreenshots.h"
 #include "DemoWorld.h"
 
@@ -15,6 +16,7 @@
 #include "platform/NavigationController.h"
 #include "platform/Screen.h"
 #include "platform/SystemFont.h"
+#include "plugin/service/ZIQGroupNotePlugin.h"
 #include "sdk/MessagingServer.h"
 #include "sdk/V2VORManager.h"
 
@@ -42,6 +44,7 @@ void DemoApp::start()
 {
     setUpPlatform();
     ZIQChatService::registerInCore();
+    ZIQGroupNotePlugin::load();
     ZIQBaseChatViewController::registerKitCells();
     populate();
     m_client = new V2VORManager(m_server.get());
@@ -79,8 +82,12 @@ void DemoApp::populate()
         qInfo().noquote() << userID << "in" << chat.conversationID() << "says:" << text;
     });
     // A screenshot shows the history as it stands; nobody speaks while it is taken.
-    if (m_options.screenshotDir.isEmpty())
-        m_cast->start();
+    if (!m_options.screenshotDir.isEmpty())
+        return;
+    m_cast->start();
+    const DemoNoteScene::Script note = DemoWorld::noteScript(m_options.userID);
+    if (!note.groupID.isEmpty())
+        (new DemoNoteScene(m_cast, note, m_cast))->start();
 }
 
 void DemoApp::showScreens()

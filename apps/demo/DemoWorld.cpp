@@ -114,6 +114,15 @@ bool DemoWorld::hasPerson(const QString &userID)
     return std::any_of(all.cbegin(), all.cend(), [&](const Person &person) { return person.userID == userID; });
 }
 
+QString DemoWorld::nickNameOf(const QString &userID)
+{
+    for (const Person &person : people()) {
+        if (person.userID == userID)
+            return person.nickName;
+    }
+    return {};
+}
+
 QString DemoWorld::defaultUserID()
 {
     return QStringLiteral("amy");
@@ -170,4 +179,25 @@ void DemoWorld::castOthers(DemoCast &cast, const QString &userID)
         if ((person.userID == "ben" && userID == "amy") || (person.userID == "amy" && userID == "ben"))
             cast.addChat(person.userID, chatOf(pair, person.userID), lines.value(pair));
     }
+}
+
+DemoNoteScene::Script DemoWorld::noteScript(const QString &userID)
+{
+    const Group &hike = groups().constFirst();
+    if (!hike.members.contains(userID))
+        return {};
+    QStringList others = hike.members;
+    others.removeAll(userID);
+    DemoNoteScene::Script script;
+    script.groupID = QString::fromLatin1(hike.groupID);
+    script.author = others.takeFirst();
+    script.title = QStringLiteral("Saturday ridge hike: who's coming?");
+    script.description = QStringLiteral("Put your name down and what you bring");
+    script.joiners = others;
+    const QStringList brings = { QStringLiteral("first aid kit"), QStringLiteral("trail mix"),
+        QStringLiteral("a thermos of tea"), QStringLiteral("the map") };
+    const QStringList writers = QStringList { script.author } + others;
+    for (qsizetype i = 0; i < writers.size(); ++i)
+        script.entries.append(nickNameOf(writers.at(i)) + QStringLiteral(", ") + brings.value(i % brings.size()));
+    return script;
 }

@@ -2,6 +2,8 @@
 // chat, and a few days of history in each, written as if it had happened.
 #pragma once
 
+#include "DemoNoteScene.h"
+
 #include "kit/chat/ZIQChatConversation.h"
 
 #include <QList>
@@ -23,6 +25,8 @@ public:
 
     static QList<Person> people();
     static bool hasPerson(const QString &userID);
+    /// The person's nickname; empty for a stranger.
+    static QString nickNameOf(const QString &userID);
     /// The user a plain start logs in as.
     static QString defaultUserID();
 
@@ -33,4 +37,7 @@ public:
     static void playHistory(DemoCast &cast, double nowMs);
     /// Makes everyone but `userID` a member of `cast`, with the chats and lines they speak.
     static void castOthers(DemoCast &cast, const QString &userID);
+    /// The sign-up sheet the other members of `userID`'s hiking group play; no group when
+    /// the user is not in it.
+    static DemoNoteScene::Script noteScript(const QString &userID);
 };

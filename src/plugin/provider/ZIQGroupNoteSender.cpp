@@ -26,27 +26,28 @@ V2VORManager *ZIQGroupNoteSender::manager() const
     return m_session->context().client;
 }
 
-void ZIQGroupNoteSender::sendGroupNoteMessageToGroup(const QString &, SendSucc succ, SendFail fail)
+void ZIQGroupNoteSender::sendGroupNoteMessageToGroup(const QString &groupID, SendSucc succ, SendFail fail)
 {
-    // The group is not needed: the chat service sends to the open chat, the direct path to the
-    // message's own group.
-    const V2VORMessagePtr message
-        = createNoteMessage(ZIQGroupNoteMessageBody::noteBody(*m_session->info(), m_session->localShowLineNum()), fail);
+    // The chat service sends to the open chat; the direct path sends to the group the message
+    // names, which is the one submitted to.
+    const V2VORMessagePtr message = createNoteMessage(
+        ZIQGroupNoteMessageBody::noteBody(*m_session->info(), m_session->localShowLineNum()), groupID, fail);
     if (!message)
         return;
     m_session->adoptPostedMessage(message);
     sendNoteMessage(message, std::move(succ), std::move(fail));
 }
 
-void ZIQGroupNoteSender::sendNoteNotifyMessageToGroup(const QString &, SendSucc succ, SendFail fail)
+void ZIQGroupNoteSender::sendNoteNotifyMessageToGroup(const QString &groupID, SendSucc succ, SendFail fail)
 {
     const V2VORMessagePtr note = m_session->message();
     const QByteArray body = note ? ZIQGroupNoteMessageBody::tipsBody(note, *m_session->info()) : QByteArray();
-    if (const V2VORMessagePtr message = createNoteMessage(body, fail))
+    if (const V2VORMessagePtr message = createNoteMessage(body, groupID, fail))
         sendNoteMessage(message, std::move(succ), std::move(fail));
 }
 
-V2VORMessagePtr ZIQGroupNoteSender::createNoteMessage(const QByteArray &body, const SendFail &fail) const
+V2VORMessagePtr ZIQGroupNoteSender::createNoteMessage(
+    const QByteArray &body, const QString &groupID, const SendFail &fail) const
 {
     V2VORManager *sdk = manager();
     const V2VORMessagePtr message = sdk && !body.isEmpty() ? sdk->createCustomMessage(body) : nullptr;
@@ -57,12 +58,17 @@ V2VORMessagePtr ZIQGroupNoteSender::createNoteMessage(const QByteArray &body, co
     }
     // Entries are stored as extensions of the note message.
     message->setSupportMessageExtension(true);
+    message->setGroupID(groupID);
     return message;
 }
 
 void ZIQGroupNoteSender::sendNoteMessage(const V2VORMessagePtr &message, SendSucc succ, SendFail fail)
 {
-    if (ZIQCore::getService(ZIQCore_ZIQChatService)) {
+    // The kit's chat sends as the process's user. A session read through another member's client
+    // (a member played beside the user in the same process) sends on that client itself.
+    const V2VORManager *processClient = V2VORManager::sharedInstance();
+    const bool sendsAsProcessUser = !processClient || !manager() || manager() == processClient;
+    if (sendsAsProcessUser && ZIQCore::getService(ZIQCore_ZIQChatService)) {
         m_sendNoteMessageSucc = std::move(succ);
         m_sendNoteMessageFail = std::move(fail);
         m_awaitingAnswer = shared_from_this();

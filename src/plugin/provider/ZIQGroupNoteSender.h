@@ -49,7 +49,7 @@ public:
 
 private:
     V2VORManager *manager() const;
-    V2VORMessagePtr createNoteMessage(const QByteArray &body, const SendFail &fail) const;
+    V2VORMessagePtr createNoteMessage(const QByteArray &body, const QString &groupID, const SendFail &fail) const;
     void forgetLeftoverCallbacks();
 
     std::shared_ptr<ZIQGroupNoteEditingSession> m_session;

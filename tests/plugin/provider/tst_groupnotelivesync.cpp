@@ -133,6 +133,20 @@ private Q_SLOTS:
         ChatServiceDouble::answer(0, {});
         QCOMPARE(failed, QList<int> { 7 });
         QCOMPARE(succeeded, 2);
+
+        // With Bob the process's user, Alice's session must not send through Bob's chat.
+        group.actAs("bob");
+        const V2VORMessagePtr alices = group.client("alice")->createCustomMessage("{}");
+        alices->setGroupID(group.groupID());
+        provider.sendNoteMessage(alices, [&succeeded] { ++succeeded; }, {});
+        QTRY_COMPARE(succeeded, 3);
+        QCOMPARE(chat.handedOver.size(), 1);
+        QCOMPARE(alices->sender(), QStringLiteral("alice"));
+        // A new note of hers goes to the group it was submitted to.
+        provider.sendGroupNoteMessageToGroup(group.groupID(), [&succeeded] { ++succeeded; }, {});
+        QTRY_COMPARE(succeeded, 4);
+        QCOMPARE(provider.message()->groupID(), group.groupID());
+        QCOMPARE(chat.handedOver.size(), 1);
     }
 };
 
