@@ -79,7 +79,6 @@ ZIQGroupNoteMenuView *ZIQGroupNoteViewController::menuView()
 {
     if (!m_menuView) {
         m_menuView = new ZIQGroupNoteMenuView(view());
-        m_menuView->setObjectName(QStringLiteral("noteMenu"));
         m_menuView->setNoteClickedBlock([this] { switchViewsToHidden(false); });
         m_menuView->setSettingClickedBlock([this] { switchViewsToHidden(true); });
     }
@@ -90,7 +89,6 @@ ZIQGroupNoteSettingView *ZIQGroupNoteViewController::settingView()
 {
     if (!m_settingView) {
         m_settingView = new ZIQGroupNoteSettingView(m_dataProvider->info()->setting(), view());
-        m_settingView->setObjectName(QStringLiteral("noteSettings"));
         m_settingView->setHidden(true);
     }
     return m_settingView;
@@ -100,7 +98,6 @@ ZIQGroupNoteContentView *ZIQGroupNoteViewController::contentView()
 {
     if (!m_contentView) {
         m_contentView = new ZIQGroupNoteContentView(m_dataProvider->info(), m_isCreateNew, view());
-        m_contentView->setObjectName(QStringLiteral("notePage"));
         m_contentView->setOnEndEditTitleSelector("onEndEditTitle");
         m_contentView->setOnEndEditDescSelector("onEndEditDesc");
         m_contentView->setOnEndEditDeadlineSelector("onEndEditDeadlineSelector");
