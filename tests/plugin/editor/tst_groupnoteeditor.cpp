@@ -102,7 +102,7 @@ void tst_GroupNoteEditor::creatorComposesAndTheGroupSeesTheNote()
 
     const V2VORMessagePtr seenByBob = scene.find("bob", postedID);
     QVERIFY(seenByBob);
-    QVERIFY(seenByBob->customElem() && seenByBob->customElem()->data().contains("Picnic"));
+    QVERIFY(seenByBob->customElem() && seenByBob->customElem()->data.contains("Picnic"));
     QCOMPARE(scene.stored(postedID), QStringList { QStringLiteral("Bring cake") });
 }
 
