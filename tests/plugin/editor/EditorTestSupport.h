@@ -1,0 +1,59 @@
+// Shared by the editor tests: a screen that owns the views under test and records every action
+// they deliver to it, on a phone-sized window, with the test's own user logged in.
+#pragma once
+
+#include "plugin/provider/ZIQGroupNoteTextFieldCellData.h"
+
+#include "kit/common/ZIQCommonSwitchCell.h"
+#include "kit/common/ZIQGlobalization.h"
+#include "platform/Screen.h"
+#include "platform/Switch.h"
+#include "platform/ViewController.h"
+
+#include <QTest>
+
+inline QString localized(const char *key)
+{
+    return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
+}
+
+class EditorTestController : public platform::ViewController
+{
+    Q_OBJECT
+
+public:
+    struct Call
+    {
+        QByteArray action;
+        QObject *sender;
+        /// What the screen could read off the sender when called: an entry's content, a
+        /// switch's state ("on"/"off"), nothing for a plain tap.
+        QString seen;
+    };
+
+    EditorTestController()
+    {
+        view()->resize(int(platform::Screen::width()), int(platform::Screen::height()));
+        view()->show();
+    }
+
+    Q_INVOKABLE void onEditItem(ZIQGroupNoteTextFieldCellData *data)
+    {
+        calls.append({ "onEditItem", data, data->item()->content() });
+    }
+    Q_INVOKABLE void onRepeatItem(ZIQGroupNoteTextFieldCellData *data)
+    {
+        calls.append({ "onRepeatItem", data, data->item()->content() });
+    }
+    Q_INVOKABLE void onSwitchMultiSubmit(ZIQCommonSwitchCell *cell) { recordSwitch("onSwitchMultiSubmit", cell); }
+    Q_INVOKABLE void onSwitchAllowNotify(ZIQCommonSwitchCell *cell) { recordSwitch("onSwitchAllowNotify", cell); }
+    Q_INVOKABLE void onEditDeadline(QObject *cell) { calls.append({ "onEditDeadline", cell, QString() }); }
+
+    QList<Call> calls;
+
+private:
+    void recordSwitch(const QByteArray &action, ZIQCommonSwitchCell *cell)
+    {
+        calls.append({ action, cell, cell->switcher()->isOn() ? QStringLiteral("on") : QStringLiteral("off") });
+    }
+};
