@@ -4,23 +4,18 @@
 #include "plugin/service/ZIQGroupNoteDefines.h"
 
 #include <QEvent>
+#include <QPainter>
 
 ZIQGroupNoteBottomLine::ZIQGroupNoteBottomLine(QWidget *row)
     : QWidget(row)
 {
     setObjectName(QStringLiteral("bottomLine"));
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    setAutoFillBackground(true);
-    ZIQTheme::bind(
-        this,
-        [this] {
-            QPalette pal = palette();
-            pal.setColor(QPalette::Window,
-                ZIQTheme::dynamicColor(QStringLiteral("group_note_create_title_border_color"), ZIQGroupNoteThemeModule,
-                    QStringLiteral("#EEEEEE")));
-            setPalette(pal);
-        },
-        ZIQTheme::Rebind::OnThemeChange);
+    ZIQTheme::bind(this, [this] {
+        m_color = ZIQTheme::dynamicColor(
+            QStringLiteral("group_note_create_title_border_color"), ZIQGroupNoteThemeModule, QStringLiteral("#EEEEEE"));
+        update();
+    });
     row->installEventFilter(this);
     place();
 }
@@ -30,6 +25,11 @@ bool ZIQGroupNoteBottomLine::eventFilter(QObject *watched, QEvent *event)
     if (watched == parent() && event->type() == QEvent::Resize)
         place();
     return QWidget::eventFilter(watched, event);
+}
+
+void ZIQGroupNoteBottomLine::paintEvent(QPaintEvent *)
+{
+    QPainter(this).fillRect(rect(), m_color);
 }
 
 void ZIQGroupNoteBottomLine::place()

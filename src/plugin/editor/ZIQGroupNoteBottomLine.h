@@ -2,6 +2,7 @@
 // and standing on its last point, in the theme's border colour.
 #pragma once
 
+#include <QColor>
 #include <QWidget>
 
 class ZIQGroupNoteBottomLine : public QWidget
@@ -15,9 +16,14 @@ public:
     /// Draws itself over `row` (a cell's content view) and follows its width.
     explicit ZIQGroupNoteBottomLine(QWidget *row);
 
+    QColor color() const { return m_color; }
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     void place();
+
+    QColor m_color;
 };

@@ -42,8 +42,7 @@ ZIQGroupNoteSettingView::ZIQGroupNoteSettingView(const ZIQGroupNoteSettingPtr &s
     });
 
     m_tableView->setObjectName(QStringLiteral("settingTableView"));
-    m_tableView->setGeometry(
-        0, int(platform::Screen::navigationBarHeight()), width(), InitialTableHeight);
+    m_tableView->setGeometry(0, int(platform::Screen::navigationBarHeight()), width(), InitialTableHeight);
     m_tableView->setTableFooterView(new QWidget);
     m_tableView->setBackgroundColor(Qt::transparent);
     m_tableView->setRowHeight(RowHeight);
@@ -76,8 +75,8 @@ void ZIQGroupNoteSettingView::setupDataList()
     m_dataList.append(switchRow("ZIQGroupNoteMultipleSettings", QByteArrayLiteral("onSwitchMultiSubmit"),
         !m_setting || m_setting->allowMultiSubmit()));
     m_dataList.append(deadlineRow());
-    m_dataList.append(switchRow(
-        "ZIQGroupNoteNotifySettings", QByteArrayLiteral("onSwitchAllowNotify"), !m_setting || m_setting->allowNotify()));
+    m_dataList.append(switchRow("ZIQGroupNoteNotifySettings", QByteArrayLiteral("onSwitchAllowNotify"),
+        !m_setting || m_setting->allowNotify()));
 }
 
 QString ZIQGroupNoteSettingView::deadlineDateStr() const

@@ -108,7 +108,8 @@ void ZIQGroupNoteTextFieldCell::applyTheme()
     QColor background = themeColor("group_note_create_textfield_bg_color", "#F9F9F9");
     background.setAlphaF(background.alphaF() * FieldBackgroundAlpha);
     m_textField->setBackgroundColor(background);
-    const QIcon bundled = ZIQTheme::imageWithContentsOfFile(getZIQGetBundlePath() + QStringLiteral("/group_note_repeat"));
+    const QIcon bundled
+        = ZIQTheme::imageWithContentsOfFile(getZIQGetBundlePath() + QStringLiteral("/group_note_repeat"));
     m_repeatButton->setIcon(
         ZIQTheme::dynamicImage(QStringLiteral("group_note_repeat_img"), ZIQGroupNoteThemeModule, bundled));
 }
@@ -140,8 +141,9 @@ void ZIQGroupNoteTextFieldCell::textEdited(const QString &text)
     // The field keeps showing a longer text, but the entry only ever holds the last text that
     // fitted, so nothing over the limit can be submitted.
     if (text.size() > MaxContentLength) {
-        ZIQTool::makeToast(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteTextFieldExceedLimit")),
-            3.0, ZIQToastPosition::Center);
+        ZIQTool::makeToast(
+            ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteTextFieldExceedLimit")), 3.0,
+            ZIQToastPosition::Center);
         return;
     }
     m_cellData->item()->setContent(text);

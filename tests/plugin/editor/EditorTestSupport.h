@@ -10,11 +10,32 @@
 #include "platform/Switch.h"
 #include "platform/ViewController.h"
 
+#include <QDir>
 #include <QTest>
 
 inline QString localized(const char *key)
 {
     return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
+}
+
+/// Saves `widget` as `name`.png into $ZIQ_PICTURES_DIR when that is set, for people to look at.
+inline void savePicture(QWidget *widget, const QString &name)
+{
+    if (qEnvironmentVariableIsEmpty("ZIQ_PICTURES_DIR"))
+        return;
+    QVERIFY(
+        widget->grab().save(QDir(qEnvironmentVariable("ZIQ_PICTURES_DIR")).filePath(name + QStringLiteral(".png"))));
+}
+
+/// The darkest lightness (0 … 255) among the pixels of `area` in `image`.
+inline int darkestLightness(const QImage &image, const QRect &area)
+{
+    int darkest = 255;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x)
+            darkest = qMin(darkest, QColor(image.pixel(x, y)).lightness());
+    }
+    return darkest;
 }
 
 class EditorTestController : public platform::ViewController

@@ -10,10 +10,10 @@
 #include "plugin/editor/ZIQGroupNoteTextCellData.h"
 
 #include "kit/common/ZIQThemeManager.h"
-#include "plugin/service/ZIQGroupNoteDefines.h"
 #include "platform/ManualClock.h"
 #include "platform/SystemFont.h"
 #include "platform/TableView.h"
+#include "plugin/service/ZIQGroupNoteDefines.h"
 
 #include <QLabel>
 
@@ -187,8 +187,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("theme");
         QTest::addColumn<QColor>("tint");
         QTest::addColumn<QColor>("line");
-        QTest::newRow("light") << ZIQThemeLight << QColor("#147AFF") << QColor("#EEEEEE");
-        QTest::newRow("dark") << ZIQThemeDark << QColor("#0A84FF") << QColor("#38383A");
+        QTest::addColumn<QColor>("background");
+        QTest::newRow("light") << ZIQThemeLight << QColor("#147AFF") << QColor("#EEEEEE") << QColor("#FFFFFF");
+        QTest::newRow("dark") << ZIQThemeDark << QColor("#0A84FF") << QColor("#38383A") << QColor("#000000");
     }
 
     void rowsKeepThePagesLookThroughThemeChanges()
@@ -196,6 +197,7 @@ private Q_SLOTS:
         QFETCH(QString, theme);
         QFETCH(QColor, tint);
         QFETCH(QColor, line);
+        QFETCH(QColor, background);
         ManualClock clock;
         Page page(nullptr);
         ZIQThemeManager::shareManager()->applyTheme(theme);
@@ -203,15 +205,21 @@ private Q_SLOTS:
         auto *textCell = page.cell<ZIQGroupNoteTextCell>(1);
 
         QCOMPARE(switchCell->switcher()->onTintColor(), tint);
+        for (QWidget *bottomLine : { switchCell->bottomLine(), textCell->bottomLine() })
+            QCOMPARE(bottomLine->geometry(), QRect(16, 49, bottomLine->parentWidget()->width() - 32, 1));
+        // The rows are clear: the page's own background shows through them.
+        const QImage image = page.view->grab().toImage();
+        savePicture(page.view, QStringLiteral("settings_") + theme);
+        QCOMPARE(QColor(image.pixel(4, 75)), page.view->palette().color(QPalette::Window));
+        QCOMPARE(QColor(image.pixel(4, 75)), background);
+        for (int row = 0; row < 3; ++row) {
+            QCOMPARE(QColor(image.pixel(100, 50 * row + 49)), line);
+            QCOMPARE(QColor(image.pixel(8, 50 * row + 49)), background);
+        }
+
         // A palette change makes the kit re-colour its switch; the page's tint must survive it.
         switchCell->setPalette(QPalette(Qt::red));
         QCOMPARE(switchCell->switcher()->onTintColor(), tint);
-        for (QWidget *bottomLine : { switchCell->bottomLine(), textCell->bottomLine() }) {
-            QCOMPARE(bottomLine->geometry(), QRect(16, 49, bottomLine->parentWidget()->width() - 32, 1));
-            QCOMPARE(bottomLine->palette().color(QPalette::Window), line);
-        }
-        QVERIFY(!switchCell->backgroundColor().isValid());
-        QVERIFY(!textCell->backgroundColor().isValid());
     }
 
 private:

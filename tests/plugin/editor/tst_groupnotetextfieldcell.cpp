@@ -103,8 +103,8 @@ private Q_SLOTS:
         const QString a50(50, u'a');
         QTest::newRow("typing the 50th unit") << a49 << Edit::Type << "b" << a49 + "b" << a49 + "b" << false;
         QTest::newRow("typing the 51st unit") << a50 << Edit::Type << "b" << a50 + "b" << a50 << true;
-        QTest::newRow("pasting 60 into an empty field") << QString() << Edit::Paste << QString(60, u'x')
-                                                        << QString(60, u'x') << QString() << true;
+        QTest::newRow("pasting 60 into an empty field")
+            << QString() << Edit::Paste << QString(60, u'x') << QString(60, u'x') << QString() << true;
         QTest::newRow("an emoji filling units 49 and 50")
             << QString(48, u'a') << Edit::Paste << Emoji << QString(48, u'a') + Emoji << QString(48, u'a') + Emoji
             << false;
@@ -261,6 +261,33 @@ private Q_SLOTS:
         QVERIFY(field.width() - line.field()->rightView()->width() <= button.left());
         QVERIFY(!line.cell->repeatButton()->icon().isNull());
         QVERIFY(!line.cell->repeatButton()->accessibleName().isEmpty());
+    }
+
+    void everyLineDrawsItsTextAtFullStrength_data()
+    {
+        QTest::addColumn<QString>("author");
+        QTest::addColumn<double>("deadline");
+        QTest::addColumn<QString>("picture");
+        QTest::newRow("own entry") << Me << 0.0 << "entry_own";
+        QTest::newRow("another member's entry") << Other << 0.0 << "entry_other";
+        QTest::newRow("after the deadline") << Me << Start - 1 << "entry_after_deadline";
+    }
+
+    void everyLineDrawsItsTextAtFullStrength()
+    {
+        QFETCH(QString, author);
+        QFETCH(double, deadline);
+        QFETCH(QString, picture);
+        ManualClock clock(Start);
+        Line line(entryRow(author, QStringLiteral("Tom 13800138000"), deadline));
+
+        const QImage image = line.cell->grab().toImage();
+        savePicture(line.cell, picture);
+
+        // Read-only lines are not greyed out: their text is as dark as an editable line's.
+        const QRect text = line.field()->geometry().adjusted(16, 12, -36, -12);
+        QVERIFY2(darkestLightness(image, text) < 60, qPrintable(QString::number(darkestLightness(image, text))));
+        QVERIFY(darkestLightness(image, line.cell->indexLabel()->geometry()) < 60);
     }
 
 private:
