@@ -11,8 +11,9 @@
 #include "platform/TableView.h"
 #include "platform/TextField.h"
 
-#include <QFrame>
+#include <QEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 
 #include <memory>
@@ -56,11 +57,12 @@ QPushButton *makeButton(const QString &name, QWidget *parent)
 
 void ZIQGroupNoteContentView::buildTitleInput()
 {
-    auto *frame = new QFrame(this);
-    frame->setObjectName(QStringLiteral("titleInputView"));
-    m_titleInputView = frame;
-    m_titleTextField = makeField(QStringLiteral("titleTextField"), 18, "ZIQGroupNoteTitleHint", frame);
-    m_descTextField = makeField(QStringLiteral("descTextField"), 12, "ZIQGroupNoteDescriptionHint", frame);
+    m_titleInputView = new QWidget(this);
+    m_titleInputView->setObjectName(QStringLiteral("titleInputView"));
+    // Its rounded border is drawn by eventFilter(); a style sheet here would restyle the fields too.
+    m_titleInputView->installEventFilter(this);
+    m_titleTextField = makeField(QStringLiteral("titleTextField"), 18, "ZIQGroupNoteTitleHint", m_titleInputView);
+    m_descTextField = makeField(QStringLiteral("descTextField"), 12, "ZIQGroupNoteDescriptionHint", m_titleInputView);
 }
 
 void ZIQGroupNoteContentView::buildInfoLine()
@@ -140,9 +142,7 @@ void ZIQGroupNoteContentView::applyTheme()
     Style::setBackgroundColor(this, background);
     Style::setBackgroundColor(m_titleView, background);
     m_itemTableView->setBackgroundColor(background);
-    m_titleInputView->setStyleSheet(
-        QStringLiteral("QFrame#titleInputView { background: transparent; border: 1px solid %1; border-radius: 8px; }")
-            .arg(Style::color("group_note_create_title_border_color", "#EEEEEE").name(QColor::HexArgb)));
+    m_titleInputView->update();
     m_titleTextField->setTextColor(Style::color("group_note_create_title_text_color", "#333333"));
     m_descTextField->setTextColor(Style::color("group_note_create_desc_text_color", "#999999"));
     Style::setTextColor(m_infoLabel, Style::color("group_note_detail_info_text_color", "#666666"));
@@ -173,4 +173,18 @@ void ZIQGroupNoteContentView::applyAlignment()
         label->setAlignment(Style::textAlignment(Qt::AlignTop));
     for (QLabel *label : { m_infoLabel, m_tipsLabel })
         label->setAlignment(Style::textAlignment(Qt::AlignVCenter));
+}
+
+bool ZIQGroupNoteContentView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_titleInputView && event->type() == QEvent::Paint) {
+        QPainter painter(m_titleInputView);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Style::color("group_note_create_title_border_color", "#EEEEEE"), 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(
+            QRectF(m_titleInputView->rect()).adjusted(0.5, 0.5, -0.5, -0.5), FieldCornerRadius, FieldCornerRadius);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }

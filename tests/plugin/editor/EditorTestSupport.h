@@ -50,6 +50,7 @@ public:
             field->setGeometry(16, 8, 200, 42);
         }
         field->setObjectName(QStringLiteral("entryField%1").arg(path.row));
+        field->setText(QStringLiteral("%1. Entry").arg(path.row + 1));
         return cell;
     }
 };
