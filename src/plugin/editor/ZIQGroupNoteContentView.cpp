@@ -2,9 +2,10 @@
 // reports of user actions and the growth of the entries table.
 #include "plugin/editor/ZIQGroupNoteContentView.h"
 
+#include "plugin/editor/ZIQGroupNoteDeadlineButton.h"
 #include "plugin/editor/ZIQGroupNoteEditorStyle.h"
 #include "plugin/editor/ZIQGroupNotePageGeometry.h"
-#include "plugin/picker/ZIQBRDateHelpers.h"
+#include "plugin/editor/ZIQGroupNoteTitleInputView.h"
 #include "plugin/service/ZIQGroupNoteBundle.h"
 #include "plugin/service/ZIQGroupNoteDefines.h"
 
@@ -15,11 +16,9 @@
 #include "platform/ImageView.h"
 #include "platform/Keyboard.h"
 #include "platform/MainQueue.h"
-#include "platform/SystemFont.h"
 #include "platform/TableView.h"
 #include "platform/TableViewCell.h"
 #include "platform/TextField.h"
-#include "platform/TextMeasure.h"
 #include "platform/ViewController.h"
 
 #include <QLabel>
@@ -31,9 +30,7 @@ using Style = ZIQGroupNoteEditorStyle;
 namespace {
 
 constexpr double ToastSeconds = 3.0;
-constexpr qreal DeadlineTitlePadding = 36;
-constexpr int FieldInset = 16;
-constexpr int FieldHeight = 22;
+constexpr int InfoLabelHeight = 22;
 constexpr int InfoLabelLeading = 26;
 constexpr int ExampleFieldLeading = 46;
 constexpr int ExampleFieldTrailing = 8;
@@ -53,10 +50,13 @@ ZIQGroupNoteContentView::ZIQGroupNoteContentView(const ZIQGroupNoteInfoPtr &info
     , m_isCreateNew(isCreateNew)
 {
     setObjectName(QStringLiteral("groupNoteContentView"));
-    buildTitleInput();
+    m_titleInputView = new ZIQGroupNoteTitleInputView(this);
+    m_titleTextField = m_titleInputView->titleTextField();
+    m_descTextField = m_titleInputView->descTextField();
     buildInfoLine();
     buildTitleView();
-    buildDeadlineButton();
+    m_deadlineButton = new ZIQGroupNoteDeadlineButton(this);
+    connect(m_deadlineButton, &QPushButton::clicked, this, &ZIQGroupNoteContentView::onDeadlineButtonClicked);
     buildExampleRow();
     buildItemTable();
     buildAddButton();
@@ -143,34 +143,7 @@ void ZIQGroupNoteContentView::setAddButtonEnabledImage(bool enabled)
 
 void ZIQGroupNoteContentView::refreshDeadlineButton()
 {
-    const QString title = deadlineButtonTitle();
-    m_deadlineButton->setText(title);
-    m_deadlineButton->setAccessibleName(title);
-    m_deadlineButtonWidth = deadlineButtonWidth();
-    m_deadlineButton->resize(qRound(m_deadlineButtonWidth), m_deadlineButton->height());
-}
-
-QString ZIQGroupNoteContentView::deadlineButtonTitle() const
-{
-    if (m_info->isExceedDeadline())
-        return Style::localized("ZIQGroupNoteHasStopped");
-    return Style::localized("ZIQGroupNoteDeadline")
-        .arg(dateStringFromTimestamp(m_info->setting()->deadlineTimestampInMS()));
-}
-
-float ZIQGroupNoteContentView::deadlineButtonWidth() const
-{
-    const QSizeF limit(platform::TextMeasure::Unbounded, ZIQGroupNotePageGeometry::DeadlineButtonHeight);
-    const QSizeF size = platform::TextMeasure::size(deadlineButtonTitle(), platform::SystemFont::bold(12), limit);
-    return static_cast<float>(size.width() + DeadlineTitlePadding);
-}
-
-QString ZIQGroupNoteContentView::dateStringFromTimestamp(double timestampInMS)
-{
-    if (!(timestampInMS > 0))
-        return QString();
-    const QDateTime date = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(timestampInMS), Qt::UTC);
-    return ZIQ_br_stringFromDate(date, QStringLiteral("YYYY-MM-dd HH:mm"));
+    m_deadlineButton->refreshWithInfo(*m_info);
 }
 
 void ZIQGroupNoteContentView::reloadTableView()
@@ -268,7 +241,7 @@ ZIQGroupNotePageGeometry::Face ZIQGroupNoteContentView::face() const
     face.exampleShown = !m_exampleView->isHidden();
     face.title = m_info->title();
     face.desc = m_info->desc();
-    face.deadlineButtonWidth = m_deadlineButtonWidth;
+    face.deadlineButtonWidth = m_deadlineButton->buttonWidth();
     face.cellCount = m_localCellCount;
     return face;
 }
@@ -293,12 +266,9 @@ void ZIQGroupNoteContentView::layoutPage()
 {
     const ZIQGroupNotePageGeometry::Blocks blocks = ZIQGroupNotePageGeometry::layout(face());
     m_titleInputView->setGeometry(blocks.titleInputView.toRect());
-    const int fieldWidth = m_titleInputView->width() - 2 * FieldInset;
-    m_titleTextField->setGeometry(FieldInset, 12, fieldWidth, FieldHeight);
-    m_descTextField->setGeometry(FieldInset, 12 + FieldHeight + 12, fieldWidth, FieldHeight);
 
     m_infoView->setGeometry(blocks.infoView.toRect());
-    m_infoLabel->setGeometry(InfoLabelLeading, 12, m_infoView->width() - InfoLabelLeading, FieldHeight);
+    m_infoLabel->setGeometry(InfoLabelLeading, 12, m_infoView->width() - InfoLabelLeading, InfoLabelHeight);
     showInfoText();
     m_bottomLine->setGeometry(blocks.bottomLine.toRect());
 

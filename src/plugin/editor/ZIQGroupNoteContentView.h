@@ -15,6 +15,8 @@
 
 class QLabel;
 class QPushButton;
+class ZIQGroupNoteDeadlineButton;
+class ZIQGroupNoteTitleInputView;
 
 namespace platform {
 class ImageView;
@@ -45,7 +47,7 @@ public:
     void refreshInfoView();
     /// The add button's image: enabled while the note takes entries from the current user.
     void refreshAddButton();
-    /// The deadline chip's title and width.
+    /// The deadline chip's title and width (see ZIQGroupNoteDeadlineButton).
     void refreshDeadlineButton();
     void reloadTableView();
     /// Tells the page the controller now has `count` entry rows. With `updateByAddNew` one row
@@ -72,14 +74,6 @@ public:
     /// keyboard's height.
     float bottomBlankHeight() const;
 
-    /// "Stopped" once the deadline has passed, else "Deadline: <date>".
-    QString deadlineButtonTitle() const;
-    /// The chip is sized for its title in bold, though it draws it regular: a little spare room.
-    float deadlineButtonWidth() const;
-    /// `timestampInMS` as "YYYY-MM-dd HH:mm" in the device's time zone; empty for 0 or less.
-    /// The year is the week-based one, so the last days of December may show the next year.
-    static QString dateStringFromTimestamp(double timestampInMS);
-
     // Names of the owning controller's actions, each invoked with the sending field or button
     // when the controller answers to it.
     QByteArray onEndEditTitleSelector() const { return m_onEndEditTitleSelector; }
@@ -95,13 +89,10 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void buildTitleInput();
     void buildInfoLine();
     void buildTitleView();
-    void buildDeadlineButton();
     void buildExampleRow();
     void buildItemTable();
     void buildAddButton();
@@ -122,11 +113,10 @@ private:
     ZIQGroupNoteInfoPtr m_info;
     bool m_isCreateNew = false;
     qint64 m_localCellCount = 0;
-    qreal m_deadlineButtonWidth = 0;
     /// The creator line's whole text; the label shows it shortened in the middle when too wide.
     QString m_infoText;
 
-    QWidget *m_titleInputView = nullptr;
+    ZIQGroupNoteTitleInputView *m_titleInputView = nullptr;
     platform::TextField *m_titleTextField = nullptr;
     platform::TextField *m_descTextField = nullptr;
     QWidget *m_infoView = nullptr;
@@ -136,7 +126,7 @@ private:
     QWidget *m_titleView = nullptr;
     QLabel *m_titleLabel = nullptr;
     QLabel *m_descLabel = nullptr;
-    QPushButton *m_deadlineButton = nullptr;
+    ZIQGroupNoteDeadlineButton *m_deadlineButton = nullptr;
     QWidget *m_exampleView = nullptr;
     QLabel *m_tipsLabel = nullptr;
     platform::TextField *m_hintTextField = nullptr;

@@ -11,9 +11,7 @@
 #include "platform/TableView.h"
 #include "platform/TextField.h"
 
-#include <QEvent>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 
 #include <memory>
@@ -26,15 +24,6 @@ constexpr qreal ExampleFieldOpacity = 0.9;
 constexpr int FieldCornerRadius = 8;
 constexpr QSize PaddingViewSize(16, 20);
 
-platform::TextField *makeField(const QString &name, int pointSize, const char *placeholderKey, QWidget *parent)
-{
-    auto *field = new platform::TextField(parent);
-    field->setObjectName(name);
-    field->setFont(platform::SystemFont::regular(pointSize));
-    field->setPlaceholderText(Style::localized(placeholderKey));
-    return field;
-}
-
 QLabel *makeLabel(const QString &name, const QFont &font, QWidget *parent)
 {
     auto *label = new QLabel(parent);
@@ -44,26 +33,7 @@ QLabel *makeLabel(const QString &name, const QFont &font, QWidget *parent)
     return label;
 }
 
-QPushButton *makeButton(const QString &name, QWidget *parent)
-{
-    auto *button = new QPushButton(parent);
-    button->setObjectName(name);
-    // A tap on a phone's button leaves the focus (and the keyboard) where it was.
-    button->setFocusPolicy(Qt::NoFocus);
-    return button;
-}
-
 } // namespace
-
-void ZIQGroupNoteContentView::buildTitleInput()
-{
-    m_titleInputView = new QWidget(this);
-    m_titleInputView->setObjectName(QStringLiteral("titleInputView"));
-    // Its rounded border is drawn by eventFilter(); a style sheet here would restyle the fields too.
-    m_titleInputView->installEventFilter(this);
-    m_titleTextField = makeField(QStringLiteral("titleTextField"), 18, "ZIQGroupNoteTitleHint", m_titleInputView);
-    m_descTextField = makeField(QStringLiteral("descTextField"), 12, "ZIQGroupNoteDescriptionHint", m_titleInputView);
-}
 
 void ZIQGroupNoteContentView::buildInfoLine()
 {
@@ -89,13 +59,6 @@ void ZIQGroupNoteContentView::buildTitleView()
     m_descLabel->setWordWrap(true);
 }
 
-void ZIQGroupNoteContentView::buildDeadlineButton()
-{
-    m_deadlineButton = makeButton(QStringLiteral("deadlineButton"), this);
-    m_deadlineButton->setFont(platform::SystemFont::regular(12));
-    connect(m_deadlineButton, &QPushButton::clicked, this, &ZIQGroupNoteContentView::onDeadlineButtonClicked);
-}
-
 void ZIQGroupNoteContentView::buildExampleRow()
 {
     m_exampleView = new QWidget(this);
@@ -103,7 +66,7 @@ void ZIQGroupNoteContentView::buildExampleRow()
     m_tipsLabel = makeLabel(QStringLiteral("tipsLabel"), platform::SystemFont::bold(14), m_exampleView);
     m_tipsLabel->setText(Style::localized("ZIQGroupNoteFormatExample"));
     m_tipsLabel->setGeometry(16, 12, 22, 21);
-    m_hintTextField = makeField(QStringLiteral("hintTextField"), 14, "ZIQGroupNoteFormatHint", m_exampleView);
+    m_hintTextField = Style::textField(QStringLiteral("hintTextField"), 14, "ZIQGroupNoteFormatHint", m_exampleView);
     m_hintTextField->setPlaceholderFont(platform::SystemFont::regular(14));
     m_hintTextField->setCornerRadius(FieldCornerRadius);
 
@@ -129,7 +92,10 @@ void ZIQGroupNoteContentView::buildItemTable()
 
 void ZIQGroupNoteContentView::buildAddButton()
 {
-    m_addButton = makeButton(QStringLiteral("addButton"), this);
+    m_addButton = new QPushButton(this);
+    m_addButton->setObjectName(QStringLiteral("addButton"));
+    // A tap on a phone's button leaves the focus (and the keyboard) where it was.
+    m_addButton->setFocusPolicy(Qt::NoFocus);
     m_addButton->setAccessibleName(Style::localized("ZIQGroupNoteFillIn"));
     m_addButton->setIconSize(QSize(34, 34));
     m_addButton->setStyleSheet(QStringLiteral("QPushButton { border: none; background: transparent; }"));
@@ -142,17 +108,10 @@ void ZIQGroupNoteContentView::applyTheme()
     Style::setBackgroundColor(this, background);
     Style::setBackgroundColor(m_titleView, background);
     m_itemTableView->setBackgroundColor(background);
-    m_titleInputView->update();
-    m_titleTextField->setTextColor(Style::color("group_note_create_title_text_color", "#333333"));
-    m_descTextField->setTextColor(Style::color("group_note_create_desc_text_color", "#999999"));
     Style::setTextColor(m_infoLabel, Style::color("group_note_detail_info_text_color", "#666666"));
     Style::setBackgroundColor(m_bottomLine, Style::color("group_note_create_tab_bottom_line_color", "#EEEEEE"));
     Style::setTextColor(m_titleLabel, Style::color("group_note_detail_title_text_color", "#000000"));
     Style::setTextColor(m_descLabel, Style::color("group_note_detail_desc_text_color", "#666666"));
-    Style::setTextColor(m_deadlineButton, Style::color("group_note_create_deadline_text_color", "#000000"));
-    m_deadlineButton->setStyleSheet(
-        QStringLiteral("QPushButton { background-color: %1; border: none; border-radius: 12px; padding: 0px; }")
-            .arg(Style::color("group_note_create_deadline_bg_color", "#F2F7FF").name(QColor::HexArgb)));
     const QColor exampleHint = Style::color("group_note_create_eg_placeholder_text_color", "#999999");
     Style::setTextColor(m_tipsLabel, exampleHint);
     m_hintTextField->setPlaceholderColor(exampleHint);
@@ -173,18 +132,4 @@ void ZIQGroupNoteContentView::applyAlignment()
         label->setAlignment(Style::textAlignment(Qt::AlignTop));
     for (QLabel *label : { m_infoLabel, m_tipsLabel })
         label->setAlignment(Style::textAlignment(Qt::AlignVCenter));
-}
-
-bool ZIQGroupNoteContentView::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_titleInputView && event->type() == QEvent::Paint) {
-        QPainter painter(m_titleInputView);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(Style::color("group_note_create_title_border_color", "#EEEEEE"), 1));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(
-            QRectF(m_titleInputView->rect()).adjusted(0.5, 0.5, -0.5, -0.5), FieldCornerRadius, FieldCornerRadius);
-        return true;
-    }
-    return QWidget::eventFilter(watched, event);
 }

@@ -3,6 +3,8 @@
 #include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQRTL.h"
 #include "kit/common/ZIQTheme.h"
+#include "platform/SystemFont.h"
+#include "platform/TextField.h"
 #include "plugin/service/ZIQGroupNoteDefines.h"
 
 #include <QWidget>
@@ -32,6 +34,16 @@ void ZIQGroupNoteEditorStyle::setBackgroundColor(QWidget *widget, const QColor &
     QPalette palette = widget->palette();
     palette.setColor(QPalette::Window, color);
     widget->setPalette(palette);
+}
+
+platform::TextField *ZIQGroupNoteEditorStyle::textField(
+    const QString &name, int pointSize, const char *placeholderKey, QWidget *parent)
+{
+    auto *field = new platform::TextField(parent);
+    field->setObjectName(name);
+    field->setFont(platform::SystemFont::regular(pointSize));
+    field->setPlaceholderText(localized(placeholderKey));
+    return field;
 }
 
 Qt::Alignment ZIQGroupNoteEditorStyle::textAlignment(Qt::Alignment vertical)

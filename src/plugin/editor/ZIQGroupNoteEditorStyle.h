@@ -7,6 +7,10 @@
 
 class QWidget;
 
+namespace platform {
+class TextField;
+} // namespace platform
+
 class ZIQGroupNoteEditorStyle
 {
 public:
@@ -18,6 +22,10 @@ public:
     static void setTextColor(QWidget *widget, const QColor &color);
     /// Fills `widget` with `color` (a rule, an underline, a plain block).
     static void setBackgroundColor(QWidget *widget, const QColor &color);
+    /// A field of the page in the regular system font of `pointSize`, with the kit's text for
+    /// `placeholderKey` as its placeholder.
+    static platform::TextField *textField(
+        const QString &name, int pointSize, const char *placeholderKey, QWidget *parent);
     /// Right-aligned when the kit runs right to left, else left-aligned; always with `vertical`.
     static Qt::Alignment textAlignment(Qt::Alignment vertical);
 };

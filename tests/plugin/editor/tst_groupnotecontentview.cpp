@@ -482,14 +482,6 @@ private Q_SLOTS:
         QCOMPARE(p.controller.log, QStringList { QStringLiteral("onEndEditDeadlineSelector deadlineButton") });
     }
 
-    void actionsTheControllerLacksAreDropped()
-    {
-        Page p(nullptr, true);
-        p.page->setOnAddItemSelector("onNothing");
-        QTest::mouseClick(p.find("addButton"), Qt::LeftButton);
-        QCOMPARE(p.controller.log, QStringList());
-    }
-
     /// Writes the page in both faces, under the tab bar, light and dark, at 375 x 812 into
     /// $ZIQ_PICTURES_DIR; skipped when it is not set.
     void pictures()

@@ -47,7 +47,6 @@ private Q_SLOTS:
 
         QTest::newRow("bar as wide as the phone") << 400 << 400;
         QTest::newRow("bar wider than the phone") << 400 << 600;
-        QTest::newRow("odd phone width") << 375 << 375;
     }
 
     void tabsSplitThePhoneWidth()
