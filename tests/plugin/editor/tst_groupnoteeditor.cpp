@@ -9,6 +9,7 @@
 
 #include "kit/common/ZIQGlobalization.h"
 #include "platform/Keyboard.h"
+#include "platform/MainQueue.h"
 #include "platform/NavigationController.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Screen.h"
@@ -26,6 +27,14 @@ namespace {
 QString localized(const char *key)
 {
     return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
+}
+
+/// Saves the phone's screen as `name`.png into $ZIQ_PICTURES_DIR when that is set.
+void savePicture(QWidget *screen, const QString &name)
+{
+    const QString dir = qEnvironmentVariable("ZIQ_PICTURES_DIR");
+    if (!dir.isEmpty())
+        QVERIFY(screen->grab().save(QDir(dir).filePath(name + QStringLiteral(".png"))));
 }
 
 /// A phone showing `user`'s editor over `msgID` (a new note when empty), pushed on a stack.
@@ -93,8 +102,10 @@ void tst_GroupNoteEditor::creatorComposesAndTheGroupSeesTheNote()
     QCOMPARE(alice.rowCount(), 1);
     scene.clock.advance(300); // the new row scrolls into view and takes the focus
     QTRY_VERIFY(alice.row(0) && alice.row(0)->textField()->hasFocus());
+    const QString entry = alice.row(0)->textField()->text() + QStringLiteral("Bring cake");
     QTest::keyClicks(alice.row(0)->textField(), QStringLiteral("Bring cake"));
 
+    savePicture(alice.navigation.view(), QStringLiteral("editor-composing"));
     QTest::mouseClick(alice.editor->submitButton(), Qt::LeftButton);
     QTRY_VERIFY((scene.clock.advance(500), !postedID.isEmpty()));
     QCOMPARE(platform::ToastCenter::instance()->lastText(), localized("ZIQGroupNoteSendSucceed"));
@@ -103,7 +114,7 @@ void tst_GroupNoteEditor::creatorComposesAndTheGroupSeesTheNote()
     const V2VORMessagePtr seenByBob = scene.find("bob", postedID);
     QVERIFY(seenByBob);
     QVERIFY(seenByBob->customElem() && seenByBob->customElem()->data.contains("Picnic"));
-    QCOMPARE(scene.stored(postedID), QStringList { QStringLiteral("Bring cake") });
+    QCOMPARE(scene.stored(postedID), QStringList { entry });
 }
 
 void tst_GroupNoteEditor::sendIsGuardedForTwoSeconds()
@@ -190,8 +201,10 @@ void tst_GroupNoteEditor::onlyTheCreatorSeesTabs()
     Scene scene;
     const QString msgID = scene.post(2);
     Phone phone(scene, user, msgID);
+    QTRY_COMPARE(phone.rowCount(), 2);
     QCOMPARE(phone.editor->menuView()->isVisible(), tabs);
     QCOMPARE(phone.editor->contentView()->geometry().top(), pageTop);
+    savePicture(phone.navigation.view(), QStringLiteral("editor-existing-") + user);
     QVERIFY(phone.editor->settingView()->isHidden());
     if (!tabs)
         return;
@@ -210,13 +223,13 @@ void tst_GroupNoteEditor::onlyEntryFieldsMoveTheScreenForTheKeyboard()
 
     // An entry near the bottom: the screen rises by what the keyboard covers beyond the free room.
     QTest::mouseClick(bob.addButton(), Qt::LeftButton);
-    scene.clock.advance(300);
-    QTRY_VERIFY(bob.row(12) && bob.row(12)->textField()->hasFocus());
+    QTRY_VERIFY((scene.clock.advance(50), bob.row(12) && bob.row(12)->textField()->hasFocus()));
     scene.clock.advance(platform::Keyboard::AnimationDurationMs + 300);
     const float blank = bob.editor->contentView()->bottomBlankHeight();
     QVERIFY(blank < platform::Keyboard::height());
     QTRY_COMPARE(screen->y(), -qRound(platform::Keyboard::height() - blank));
     QVERIFY(bob.editor->isKeyboardVisible());
+    savePicture(bob.navigation.view(), QStringLiteral("editor-entry-above-keyboard"));
 
     bob.row(12)->textField()->clearFocus();
     QTRY_VERIFY((scene.clock.advance(100), screen->pos() == QPoint(0, 0)));
