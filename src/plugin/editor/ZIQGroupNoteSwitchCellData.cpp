@@ -1,0 +1,6 @@
+#include "plugin/editor/ZIQGroupNoteSwitchCellData.h"
+
+qreal ZIQGroupNoteSwitchCellData::heightOfWidth(qreal) const
+{
+    return RowHeight;
+}

@@ -1,0 +1,6 @@
+#include "plugin/editor/ZIQGroupNoteTextCellData.h"
+
+qreal ZIQGroupNoteTextCellData::heightOfWidth(qreal) const
+{
+    return RowHeight;
+}

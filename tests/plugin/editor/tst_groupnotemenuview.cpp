@@ -1,0 +1,124 @@
+// The editor's tab bar: where its tabs and lines stand, which tab is highlighted and what a tap reports.
+#include "NotePageTestSupport.h"
+
+#include "platform/Screen.h"
+#include "platform/SystemFont.h"
+#include "plugin/editor/ZIQGroupNoteMenuView.h"
+
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+struct Menu
+{
+    ZIQGroupNoteMenuView view;
+    QStringList taps;
+
+    explicit Menu(int width = 375)
+    {
+        view.setNoteClickedBlock([this] { taps << QStringLiteral("note"); });
+        view.setSettingClickedBlock([this] { taps << QStringLiteral("setting"); });
+        view.resize(width, 50);
+        view.show();
+    }
+
+    QPushButton *button(const QString &name) const { return view.findChild<QPushButton *>(name); }
+    QWidget *line(const QString &name) const { return view.findChild<QWidget *>(name); }
+};
+
+} // namespace
+
+class TestGroupNoteMenuView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        platform::SystemFont::install();
+        registerPluginTheme();
+    }
+
+    void tabsSplitThePhoneWidth_data()
+    {
+        QTest::addColumn<int>("screenWidth");
+        QTest::addColumn<int>("barWidth");
+
+        QTest::newRow("bar as wide as the phone") << 400 << 400;
+        QTest::newRow("bar wider than the phone") << 400 << 600;
+    }
+
+    void tabsSplitThePhoneWidth()
+    {
+        QFETCH(int, screenWidth);
+        QFETCH(int, barWidth);
+        platform::ScreenScope screen({ qreal(screenWidth), 812 });
+        Menu menu(barWidth);
+        const QRect note = menu.button(QStringLiteral("noteButton"))->geometry();
+        const QRect setting = menu.button(QStringLiteral("settingButton"))->geometry();
+
+        QCOMPARE(note.topLeft(), QPoint(0, 0));
+        QCOMPARE(note.height(), 48);
+        QVERIFY(qAbs(note.width() - screenWidth / 2.0) <= 0.5);
+        QCOMPARE(setting, note.translated(note.width(), 0));
+        QTest::mouseClick(menu.button(QStringLiteral("settingButton")), Qt::LeftButton);
+        for (const QRect &tab : { note, setting }) {
+            const QWidget *underline
+                = tab == note ? menu.line(QStringLiteral("noteLine")) : menu.line(QStringLiteral("settingLine"));
+            QCOMPARE(underline->size(), QSize(36, 2));
+            QCOMPARE(underline->y(), 48);
+            QVERIFY(qAbs(underline->geometry().center().x() - tab.center().x()) <= 1);
+        }
+        QCOMPARE(menu.line(QStringLiteral("bottomLine"))->geometry(), QRect(0, 49, barWidth, 1));
+    }
+
+    void tapsHighlightAndReport_data()
+    {
+        QTest::addColumn<QStringList>("tapped");
+        QTest::addColumn<bool>("noteHighlighted");
+
+        QTest::newRow("untouched") << QStringList() << true;
+        QTest::newRow("settings") << QStringList { QStringLiteral("setting") } << false;
+        QTest::newRow("settings, then note")
+            << QStringList { QStringLiteral("setting"), QStringLiteral("note") } << true;
+        QTest::newRow("note again") << QStringList { QStringLiteral("note") } << true;
+    }
+
+    void tapsHighlightAndReport()
+    {
+        QFETCH(QStringList, tapped);
+        QFETCH(bool, noteHighlighted);
+        platform::ScreenScope screen({ 375, 812 });
+        Menu menu;
+        for (const QString &tab : tapped)
+            QTest::mouseClick(menu.button(tab + QStringLiteral("Button")), Qt::LeftButton);
+
+        QCOMPARE(menu.taps, tapped);
+        QCOMPARE(menu.view.isNoteHighlighted(), noteHighlighted);
+        const QString on = noteHighlighted ? QStringLiteral("note") : QStringLiteral("setting");
+        const QString off = noteHighlighted ? QStringLiteral("setting") : QStringLiteral("note");
+        QVERIFY(!menu.line(on + QStringLiteral("Line"))->isHidden());
+        QVERIFY(menu.line(off + QStringLiteral("Line"))->isHidden());
+        const QPushButton *highlighted = menu.button(on + QStringLiteral("Button"));
+        const QPushButton *plain = menu.button(off + QStringLiteral("Button"));
+        QCOMPARE(highlighted->font().weight(), QFont::Bold);
+        QCOMPARE(plain->font().weight(), QFont::Normal);
+        QCOMPARE(highlighted->font().pixelSize(), 16);
+        QCOMPARE(highlighted->palette().color(QPalette::ButtonText), QColor(QStringLiteral("#000000")));
+        QCOMPARE(plain->palette().color(QPalette::ButtonText), QColor(QStringLiteral("#666666")));
+    }
+
+    void tapsWithoutCallbacksOnlyHighlight()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        ZIQGroupNoteMenuView view;
+        view.resize(375, 50);
+        view.show();
+        QTest::mouseClick(view.findChild<QPushButton *>(QStringLiteral("settingButton")), Qt::LeftButton);
+        QVERIFY(!view.isNoteHighlighted());
+    }
+};
+
+QTEST_MAIN(TestGroupNoteMenuView)
+#include "tst_groupnotemenuview.moc"

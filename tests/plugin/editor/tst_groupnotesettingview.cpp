@@ -1,0 +1,196 @@
+// The note's settings page: the rows a setting (or none) gives, the deadline in the device's
+// zone with its week-based year, the rows' actions reaching the owning screen, and the page's
+// look (rules, clear rows, switch tint) in both themes.
+#include "EditorTestSupport.h"
+
+#include "plugin/editor/ZIQGroupNoteSettingView.h"
+#include "plugin/editor/ZIQGroupNoteSwitchCell.h"
+#include "plugin/editor/ZIQGroupNoteTextCell.h"
+
+#include "kit/common/ZIQThemeManager.h"
+#include "platform/ManualClock.h"
+#include "platform/SystemFont.h"
+#include "platform/TableView.h"
+#include "plugin/service/ZIQGroupNoteDefines.h"
+
+#include <QLabel>
+
+#include <unicode/timezone.h>
+
+namespace {
+
+double utcMs(int year, int month, int day, int hour, int minute)
+{
+    return double(QDateTime(QDate(year, month, day), QTime(hour, minute), Qt::UTC).toMSecsSinceEpoch());
+}
+
+ZIQGroupNoteSettingPtr setting(bool multi, bool notify, double deadline)
+{
+    return std::make_shared<ZIQGroupNoteSetting>(multi, notify, deadline);
+}
+
+struct Page
+{
+    explicit Page(const ZIQGroupNoteSettingPtr &setting)
+        : view(new ZIQGroupNoteSettingView(setting, screen.view()))
+    {
+        view->setGeometry(0, 138, 375, 150);
+        view->show();
+    }
+
+    template<class Cell> Cell *cell(int row) const
+    {
+        return qobject_cast<Cell *>(view->tableView()->cellForRow({ 0, row }));
+    }
+
+    platform::ManualClock clock;
+    EditorTestController screen;
+    ZIQGroupNoteSettingView *view;
+};
+
+} // namespace
+
+class GroupNoteSettingViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        platform::SystemFont::install();
+        ZIQGlobalization::setPreferredLanguage(QStringLiteral("en"));
+        ZIQThemeManager::shareManager()->registerThemeResourcePath(
+            QStringLiteral(":/%1.bundle").arg(ZIQGroupNoteThemeBundleName), ZIQGroupNoteThemeModule);
+        // The device's zone for every deadline below: eight hours ahead of UTC all year.
+        icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("Asia/Shanghai"));
+    }
+
+    void cleanup() { ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight); }
+
+    void rowsShowTheSetting_data()
+    {
+        QTest::addColumn<ZIQGroupNoteSettingPtr>("setting");
+        QTest::addColumn<bool>("multi");
+        QTest::addColumn<QString>("deadline");
+        QTest::addColumn<bool>("notify");
+
+        const QString notSet = localized("ZIQGroupNoteDeadlineNotSet");
+        QTest::newRow("no setting") << ZIQGroupNoteSettingPtr() << true << notSet << true;
+        QTest::newRow("single entry, dated")
+            << setting(false, true, utcMs(2024, 6, 15, 0, 5)) << false << "2024-06-15 08:05" << true;
+        QTest::newRow("silent, no deadline") << setting(true, false, 0) << true << notSet << false;
+    }
+
+    void rowsShowTheSetting()
+    {
+        QFETCH(ZIQGroupNoteSettingPtr, setting);
+        QFETCH(bool, multi);
+        QFETCH(QString, deadline);
+        QFETCH(bool, notify);
+        Page page(setting);
+
+        QCOMPARE(page.view->tableView()->numberOfRows(0), 3);
+        auto *multiCell = page.cell<ZIQGroupNoteSwitchCell>(0);
+        auto *deadlineCell = page.cell<ZIQGroupNoteTextCell>(1);
+        auto *notifyCell = page.cell<ZIQGroupNoteSwitchCell>(2);
+        QVERIFY(multiCell && deadlineCell && notifyCell);
+        QCOMPARE(multiCell->switcher()->isOn(), multi);
+        QCOMPARE(deadlineCell->keyLabel()->text(), localized("ZIQGroupNoteDeadlineSettings"));
+        QCOMPARE(deadlineCell->valueLabel()->text(), deadline);
+        QCOMPARE(deadlineCell->accessoryType(), platform::TableViewCell::AccessoryType::DisclosureIndicator);
+        QCOMPARE(notifyCell->switcher()->isOn(), notify);
+    }
+
+    void deadlineShowsTheWeekBasedYearInTheDevicesZone_data()
+    {
+        QTest::addColumn<double>("deadline");
+        QTest::addColumn<QString>("text");
+
+        QTest::newRow("Saturday before the year's last week") << utcMs(2024, 12, 28, 15, 59) << "2024-12-28 23:59";
+        // Still Saturday in UTC, already Sunday on the device: the week holding 1 January.
+        QTest::newRow("Sunday of the week holding 1 January") << utcMs(2024, 12, 28, 16, 0) << "2025-12-29 00:00";
+        QTest::newRow("New Year's Day on the device only") << utcMs(2024, 12, 31, 16, 30) << "2025-01-01 00:30";
+        QTest::newRow("year starting on a Sunday") << utcMs(2022, 12, 31, 12, 0) << "2022-12-31 20:00";
+    }
+
+    void deadlineShowsTheWeekBasedYearInTheDevicesZone()
+    {
+        QFETCH(double, deadline);
+        QFETCH(QString, text);
+        Page page(nullptr);
+
+        page.view->refreshWithSettings(setting(true, true, deadline));
+
+        QCOMPARE(page.view->deadlineDateStr(), text);
+        QCOMPARE(page.cell<ZIQGroupNoteTextCell>(1)->valueLabel()->text(), text);
+    }
+
+    void rowsReportToTheOwningScreen_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QByteArray>("action");
+        QTest::addColumn<QString>("seen");
+        QTest::newRow("multiple entries switch") << 0 << QByteArray("onSwitchMultiSubmit") << "off";
+        QTest::newRow("deadline") << 1 << QByteArray("onEditDeadline") << QString();
+        QTest::newRow("notify switch") << 2 << QByteArray("onSwitchAllowNotify") << "off";
+    }
+
+    void rowsReportToTheOwningScreen()
+    {
+        QFETCH(int, row);
+        QFETCH(QByteArray, action);
+        QFETCH(QString, seen);
+        Page page(nullptr);
+        platform::TableViewCell *cell = page.view->tableView()->cellForRow({ 0, row });
+
+        if (auto *switchCell = qobject_cast<ZIQGroupNoteSwitchCell *>(cell))
+            QTest::mouseClick(switchCell->switcher(), Qt::LeftButton);
+        else
+            QTest::mouseClick(cell, Qt::LeftButton, {}, cell->rect().center());
+
+        QCOMPARE(page.screen.calls.size(), 1);
+        QCOMPARE(page.screen.calls[0].action, action);
+        QCOMPARE(page.screen.calls[0].sender, cell);
+        QCOMPARE(page.screen.calls[0].seen, seen);
+    }
+
+    void pageKeepsItsLookInEitherTheme_data()
+    {
+        QTest::addColumn<QString>("theme");
+        QTest::addColumn<QColor>("tint");
+        QTest::addColumn<QColor>("line");
+        QTest::addColumn<QColor>("background");
+        QTest::newRow("light") << ZIQThemeLight << QColor("#147AFF") << QColor("#EEEEEE") << QColor("#FFFFFF");
+        QTest::newRow("dark") << ZIQThemeDark << QColor("#0A84FF") << QColor("#38383A") << QColor("#000000");
+    }
+
+    void pageKeepsItsLookInEitherTheme()
+    {
+        QFETCH(QString, theme);
+        QFETCH(QColor, tint);
+        QFETCH(QColor, line);
+        QFETCH(QColor, background);
+        Page page(nullptr);
+        ZIQThemeManager::shareManager()->applyTheme(theme);
+
+        // Rows are clear over the page's background, each with its inset rule on its last point.
+        const QImage image = page.view->grab().toImage();
+        savePicture(page.view, QStringLiteral("settings_") + theme);
+        for (int row = 0; row < 3; ++row) {
+            QCOMPARE(QColor(image.pixel(4, 50 * row + 25)), background);
+            QCOMPARE(QColor(image.pixel(8, 50 * row + 49)), background);
+            QCOMPARE(QColor(image.pixel(100, 50 * row + 49)), line);
+        }
+        // The kit re-colours its switch on a palette change; the page's tint must survive it.
+        auto *switchCell = page.cell<ZIQGroupNoteSwitchCell>(0);
+        QCOMPARE(switchCell->switcher()->onTintColor(), tint);
+        switchCell->setPalette(QPalette(Qt::red));
+        QCOMPARE(switchCell->switcher()->onTintColor(), tint);
+    }
+
+private:
+    platform::ScreenScope m_scope { QSizeF(375, 812) };
+};
+
+QTEST_MAIN(GroupNoteSettingViewTest)
+#include "tst_groupnotesettingview.moc"
