@@ -12,9 +12,8 @@
 #include "platform/ViewController.h"
 
 #include <QPointer>
-#include <QRect>
+#include <QPushButton>
 
-class QPushButton;
 class ZIQGroupNoteContentView;
 class ZIQGroupNoteKeyboardAvoider;
 class ZIQGroupNoteMenuView;
