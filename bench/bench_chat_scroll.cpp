@@ -4,6 +4,7 @@
 // bottom to the top frame by frame (move, lay out, render the visible area into an image).
 // Frame times are given on the wall clock and as this thread's processor time, since the
 // machine may be busy with other work; resident memory is read from /proc/self/statm.
+#include "BenchSupport.h"
 #include "sdk/ClientCalls.h"
 #include "support/GroupFixture.h"
 
@@ -68,29 +69,7 @@ public:
 namespace {
 
 constexpr int Messages = 5000;
-const QSize Phone(375, 812);
-
-double residentMegabytes()
-{
-    QFile statm(QStringLiteral("/proc/self/statm"));
-    if (!statm.open(QIODevice::ReadOnly))
-        return 0;
-    const double pages = statm.readAll().split(' ').value(1).toDouble();
-    return pages * double(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
-}
-
-double cpuMs(clockid_t clock)
-{
-    timespec now {};
-    clock_gettime(clock, &now);
-    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
-}
-
-double percentile(std::vector<double> sorted, double fraction)
-{
-    std::sort(sorted.begin(), sorted.end());
-    return sorted[std::min(sorted.size() - 1, size_t(fraction * double(sorted.size())))];
-}
+const QSize Phone = PhoneBenchApplication::Phone;
 
 GroupFixture *fixture = nullptr;
 
@@ -217,12 +196,7 @@ void registerCards()
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("ziq.*.debug=false\nziq.*.info=false"));
-    platform::SystemFont::install();
-    platform::ScreenScope screen(Phone);
+    PhoneBenchApplication application(argc, argv);
     registerCards();
     benchmark::Initialize(&argc, argv);
     GroupFixture group;

@@ -20,6 +20,8 @@ public:
     explicit ZIQGroupNoteMenuView(QWidget *parent = nullptr);
 
     /// Run after a tap on the note tab (or the settings tab) has highlighted it.
+    std::function<void()> noteClickedBlock() const { return m_noteClickedBlock; }
+    std::function<void()> settingClickedBlock() const { return m_settingClickedBlock; }
     void setNoteClickedBlock(std::function<void()> block) { m_noteClickedBlock = std::move(block); }
     void setSettingClickedBlock(std::function<void()> block) { m_settingClickedBlock = std::move(block); }
 
