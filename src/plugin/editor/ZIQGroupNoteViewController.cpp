@@ -380,10 +380,18 @@ void ZIQGroupNoteViewController::onRightButtonClicked(QObject *)
         });
     }
     QPointer<ZIQGroupNoteViewController> self(this);
-    m_dataProvider->submitInGroup(m_groupID, m_isCreateNew, [self](int code, const QString &desc) {
+    m_dataProvider->submitInGroup(submissionGroupID(), m_isCreateNew, [self](int code, const QString &desc) {
         if (self)
             self->submitFinished(code, desc);
     });
+}
+
+QString ZIQGroupNoteViewController::submissionGroupID() const
+{
+    // Opened from a tips row, the screen was handed that row's message ID for a group; the
+    // message itself knows its group.
+    const V2VORMessagePtr message = m_dataProvider->message();
+    return message && !message->groupID().isEmpty() ? message->groupID() : m_groupID;
 }
 
 void ZIQGroupNoteViewController::submitFinished(int code, const QString &desc)

@@ -91,6 +91,7 @@ private:
     bool refusesAnotherEntry() const;
     void showDeadlinePicker();
     void deadlinePicked(const QDateTime &date);
+    QString submissionGroupID() const;
     void submitFinished(int code, const QString &desc);
     static bool switchState(QObject *switchCell);
 
