@@ -42,12 +42,6 @@ QVariantMap kind(const char *businessID, const char *cell, const char *data)
     return { { "businessID", businessID }, { "TMessageCell_Name", cell }, { "TMessageCell_Data_Name", data } };
 }
 
-QJsonObject lastRecord(const V2VORManager *client)
-{
-    return client->writtenLogs().isEmpty() ? QJsonObject()
-                                           : QJsonDocument::fromJson(client->writtenLogs().last().toUtf8()).object();
-}
-
 QString programDir()
 {
     return QCoreApplication::applicationDirPath();
@@ -100,17 +94,13 @@ private Q_SLOTS:
 
         const QString record = client->writtenLogs().last();
         QVERIFY2(record.contains("\n    \""), qPrintable(record)); // pretty-printed
-        QJsonObject written = lastRecord(client);
+        QJsonObject written = QJsonDocument::fromJson(record.toUtf8()).object();
         const QString content = written.take("logContent").toString();
         const QRegularExpression versionLine(QStringLiteral("^ZIQGroupNote version: %1, build: \\S+$")
                                                  .arg(QRegularExpression::escape(ZIQ_PROJECT_VERSION)));
         QVERIFY2(versionLine.match(content).hasMatch(), qPrintable(content));
-        const QJsonObject expected {
-            { "logLevel", 4 },
-            { "fileName", "ZIQGroupNote" },
-            { "funcName", "logPluginVersion" },
-            { "lineNumber", 100 },
-        };
+        const QJsonObject expected { { "logLevel", 4 }, { "fileName", "ZIQGroupNote" },
+            { "funcName", "logPluginVersion" }, { "lineNumber", 100 } };
         QCOMPARE(written, expected);
         QTest::ignoreMessage(QtInfoMsg, "success");
         QTest::ignoreMessage(QtInfoMsg, "success");
