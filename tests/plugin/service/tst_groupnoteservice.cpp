@@ -133,7 +133,8 @@ private Q_SLOTS:
 
     void theThemeFilesAreRegisteredForThePluginModule()
     {
-        QVERIFY(ZIQThemeManager::shareManager()->themeValue(QStringLiteral("group_note_body_bg_color"), 131072));
+        QVERIFY(ZIQThemeManager::shareManager()->themeValue(
+            QStringLiteral("group_note_body_bg_color"), ZIQGroupNoteThemeModule));
     }
 
     void bundleLookup_data()
