@@ -1,7 +1,6 @@
 // The tips row: its line names the sender (by user ID when they have no nickname) and ends in
-// the note's title in brackets, the name's part grey and the title's part blue in either theme;
-// only a JSON body makes a row; a tap opens the editor only when it is this very row's tap, and
-// a row in a real chat opens the editor over its own message.
+// the note's title in brackets, grey then blue in either theme; only a JSON body makes a row; a
+// tap opens the editor only when it is this very row's, over its own message.
 #include "sdk/ClientCalls.h"
 #include "support/GroupFixture.h"
 
@@ -24,8 +23,8 @@
 
 namespace {
 
-V2VORMessagePtr tipsMessage(const QByteArray &body, const QString &sender = QStringLiteral("ben"),
-    const QString &nickName = QStringLiteral("Ben"), bool isSelf = false)
+V2VORMessagePtr tipsMessage(const QByteArray &body, const QString &nickName = QStringLiteral("Ben"),
+    const QString &sender = QStringLiteral("ben"))
 {
     auto message = std::make_shared<V2VORMessage>();
     auto elem = std::make_unique<V2VORCustomElem>();
@@ -33,7 +32,6 @@ V2VORMessagePtr tipsMessage(const QByteArray &body, const QString &sender = QStr
     message->setCustomElem(std::move(elem));
     message->setSender(sender);
     message->setNickName(nickName);
-    message->setIsSelf(isSelf);
     message->setMsgID(QStringLiteral("tips-") + sender);
     return message;
 }
@@ -47,13 +45,17 @@ QByteArray titled(const QString &title)
 std::unique_ptr<ZIQGroupNoteTipsCell> filledCell(const QString &sender)
 {
     auto cell = std::make_unique<ZIQGroupNoteTipsCell>();
-    const V2VORMessagePtr message = tipsMessage(titled(QStringLiteral("Picnic")), sender);
+    const V2VORMessagePtr message = tipsMessage(titled(QStringLiteral("Picnic")), {}, sender);
     ZIQMessageCellDataPtr data = ZIQGroupNoteTipsCellData::getCellData(message);
     data->setMsgID(message->msgID());
     data->setInnerMessage(message);
     cell->fillWithData(data);
     return cell;
 }
+
+// Which row the chat says was tapped, and what it offers to push onto.
+enum Tapped { ThisRow, OtherRow, NoRow };
+enum PushOnto { Navigation, Nothing, NotANavigation };
 
 } // namespace
 
@@ -69,38 +71,30 @@ private Q_SLOTS:
     void theLineNamesTheSenderAndTheTitle_data()
     {
         QTest::addColumn<QString>("nickName");
-        QTest::addColumn<QString>("sender");
         QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("prefix");
-        QTest::addColumn<QString>("titlePart");
-        const QString updated = QStringLiteral("%1 updated the group note");
-        QTest::newRow("nickname") << "Ben Carter"
-                                  << "ben" << titled("Picnic") << updated.arg("Ben Carter") << " [Picnic]";
-        QTest::newRow("no nickname") << ""
-                                     << "ben" << titled("Picnic") << updated.arg("ben") << " [Picnic]";
+        QTest::addColumn<QString>("line"); // null: the body makes no row
+        const QString updated = QStringLiteral(" updated the group note ");
+        QTest::newRow("nickname") << "Ben Carter" << titled("Picnic") << "Ben Carter" + updated + "[Picnic]";
+        QTest::newRow("no nickname") << "" << titled("Picnic") << "ben" + updated + "[Picnic]";
         QTest::newRow("outside the basic plane")
-            << "Chloé 🥾"
-            << "chloe" << titled("山顶 🏔️ Hike") << updated.arg("Chloé 🥾") << " [山顶 🏔️ Hike]";
-        QTest::newRow("empty title") << "Ben"
-                                     << "ben" << titled("") << updated.arg("Ben") << " []";
-        QTest::newRow("no title") << "Ben"
-                                  << "ben" << QByteArray(R"({"businessID":"group_note_tips"})") << updated.arg("Ben")
-                                  << " []";
-        QTest::newRow("a lone JSON value") << "Ben"
-                                           << "ben" << QByteArray(R"("just text")") << updated.arg("Ben") << " []";
+            << "Chloé 🥾" << titled("山顶 🏔️ Hike") << "Chloé 🥾" + updated + "[山顶 🏔️ Hike]";
+        QTest::newRow("empty title") << "Ben" << titled("") << "Ben" + updated + "[]";
+        QTest::newRow("no title") << "Ben" << QByteArray(R"({"businessID":"group_note_tips"})")
+                                  << "Ben" + updated + "[]";
+        QTest::newRow("a lone JSON value") << "Ben" << QByteArray(R"("just text")") << "Ben" + updated + "[]";
+        QTest::newRow("not JSON") << "Ben" << QByteArray("{title: Picnic") << QString();
+        QTest::newRow("two values") << "Ben" << QByteArray("1, 2") << QString();
+        QTest::newRow("empty body") << "Ben" << QByteArray() << QString();
     }
 
     void theLineNamesTheSenderAndTheTitle()
     {
         QFETCH(QString, nickName);
-        QFETCH(QString, sender);
         QFETCH(QByteArray, body);
-        QFETCH(QString, prefix);
-        QFETCH(QString, titlePart);
-        const auto data = ZIQGroupNoteTipsCellData::getCellData(tipsMessage(body, sender, nickName));
-        QVERIFY(data);
-        QCOMPARE(data->content(), prefix + titlePart);
-        QVERIFY(data->attrStr().isEmpty());
+        QFETCH(QString, line);
+        const auto data = ZIQGroupNoteTipsCellData::getCellData(tipsMessage(body, nickName));
+        QCOMPARE(data ? data->content() : QString(), line);
+        QCOMPARE(ZIQGroupNoteTipsCellData::getDisplayString(tipsMessage(body)), QStringLiteral("[Group Note]"));
     }
 
     void theNameIsGreyAndTheBracketedTitleBlue_data()
@@ -117,8 +111,7 @@ private Q_SLOTS:
         const QColor grey = ZIQTheme::d_systemGrayColor();
         const QColor blue = ZIQTheme::d_systemBlueColor();
         QVERIFY(grey != blue);
-        const auto data = ZIQGroupNoteTipsCellData::getCellData(
-            tipsMessage(titled("山顶 🏔️"), QStringLiteral("c"), "Chloé 🥾"));
+        const auto data = ZIQGroupNoteTipsCellData::getCellData(tipsMessage(titled("山顶 🏔️"), "Chloé 🥾"));
         const ZIQAttributedString line = data->attributedString();
         const int titleStart = int(line.string().indexOf(QStringLiteral(" [")));
         for (int i = 0; i < line.string().size(); ++i) {
@@ -127,69 +120,35 @@ private Q_SLOTS:
         }
     }
 
-    void onlyAJsonBodyMakesARow_data()
-    {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("row");
-        QTest::newRow("object") << titled("Picnic") << true;
-        QTest::newRow("number") << QByteArray("5") << true;
-        QTest::newRow("not JSON") << QByteArray("{title: Picnic") << false;
-        QTest::newRow("two values") << QByteArray("1, 2") << false;
-        QTest::newRow("empty") << QByteArray() << false;
-    }
-
-    void onlyAJsonBodyMakesARow()
-    {
-        QFETCH(QByteArray, body);
-        QFETCH(bool, row);
-        QCOMPARE(ZIQGroupNoteTipsCellData::getCellData(tipsMessage(body)) != nullptr, row);
-        QCOMPARE(ZIQGroupNoteTipsCellData::getDisplayString(tipsMessage(body)), QStringLiteral("[Group Note]"));
-    }
-
     void onlyThisRowsTapOpensTheEditor_data()
     {
-        QTest::addColumn<QString>("tapped"); // which row the chat says was tapped
-        QTest::addColumn<QString>("pushOnto");
+        QTest::addColumn<int>("tapped");
+        QTest::addColumn<int>("pushOnto");
         QTest::addColumn<bool>("opens");
-        QTest::newRow("this row") << "this"
-                                  << "navigation" << true;
-        QTest::newRow("another tips row") << "other"
-                                          << "navigation" << false;
-        QTest::newRow("a system row") << "system"
-                                      << "navigation" << false;
-        QTest::newRow("no row") << "none"
-                                << "navigation" << false;
-        QTest::newRow("no navigation controller") << "this"
-                                                  << "none" << false;
-        QTest::newRow("not a navigation controller") << "this"
-                                                     << "object" << false;
-        QTest::newRow("this row, gone") << "gone"
-                                        << "navigation" << false;
+        QTest::newRow("this row") << int(ThisRow) << int(Navigation) << true;
+        QTest::newRow("another tips row") << int(OtherRow) << int(Navigation) << false;
+        QTest::newRow("no row") << int(NoRow) << int(Navigation) << false;
+        QTest::newRow("no navigation controller") << int(ThisRow) << int(Nothing) << false;
+        QTest::newRow("not a navigation controller") << int(ThisRow) << int(NotANavigation) << false;
     }
 
     void onlyThisRowsTapOpensTheEditor()
     {
-        QFETCH(QString, tapped);
-        QFETCH(QString, pushOnto);
+        QFETCH(int, tapped);
+        QFETCH(int, pushOnto);
         QFETCH(bool, opens);
         platform::ScreenScope screen({ 375, 812 });
-        auto root = new platform::ViewController;
-        platform::NavigationController navigation(root);
+        platform::NavigationController navigation(new platform::ViewController);
         auto self = filledCell(QStringLiteral("ben"));
         auto other = filledCell(QStringLiteral("dan"));
-        ZIQSystemMessageCell system;
         QObject stranger;
-        const QHash<QString, QObject *> rows { { "this", self.get() }, { "other", other.get() }, { "system", &system },
-            { "none", nullptr } };
-        const QHash<QString, QObject *> targets { { "navigation", &navigation }, { "none", nullptr },
-            { "object", &stranger } };
-        auto callback = self->pluginMsgSelectCallback;
-        if (tapped == "gone")
-            self.reset();
-        callback({
-            { ZIQCore_ZIQPluginNotify_PluginCustomCellClick_Cell, QVariant::fromValue(rows.value(tapped)) },
-            { ZIQCore_ZIQPluginNotify_PluginCustomCellClick_PushVC, QVariant::fromValue(targets.value(pushOnto)) },
-        });
+        QObject *const rows[] = { self.get(), other.get(), nullptr };
+        QObject *const targets[] = { &navigation, nullptr, &stranger };
+        const QVariantMap param {
+            { ZIQCore_ZIQPluginNotify_PluginCustomCellClick_Cell, QVariant::fromValue(rows[tapped]) },
+            { ZIQCore_ZIQPluginNotify_PluginCustomCellClick_PushVC, QVariant::fromValue(targets[pushOnto]) },
+        };
+        self->pluginMsgSelectCallback(param);
         auto *editor = qobject_cast<ZIQGroupNoteViewController *>(navigation.topViewController());
         QCOMPARE(editor != nullptr, opens);
         if (!editor)

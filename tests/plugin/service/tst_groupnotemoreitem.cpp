@@ -32,20 +32,6 @@ QVariantMap groupChat(const QVariantMap &overrides = {})
     return param;
 }
 
-/// A group chat screen of Bob's on a navigation stack, in a phone-sized window.
-struct OpenChat
-{
-    explicit OpenChat(GroupFixture &group)
-        : chat(new ZIQBaseChatViewController({ group.groupID(), {} }, group.client(QStringLiteral("bob"))))
-        , navigation(chat)
-    {
-        navigation.view()->resize(375, 812);
-        navigation.view()->show();
-    }
-    ZIQBaseChatViewController *chat;
-    platform::NavigationController navigation;
-};
-
 } // namespace
 
 class TestGroupNoteMoreItem : public QObject
@@ -93,7 +79,6 @@ private Q_SLOTS:
         QCOMPARE(viaCore.size(), asked.size());
         if (!offered)
             return;
-        QCOMPARE(asked.first().weight, 300);
         QCOMPARE(asked.first().text, QStringLiteral("Group Note"));
         QVERIFY(!asked.first().icon.isNull());
     }
@@ -124,11 +109,14 @@ private Q_SLOTS:
         QFETCH(bool, withNavigation);
         platform::ScreenScope screen({ 375, 812 });
         GroupFixture group;
-        OpenChat open(group);
-        ZIQChatInputController *input = open.chat->inputController();
+        auto *chat = new ZIQBaseChatViewController({ group.groupID(), {} }, group.client(QStringLiteral("bob")));
+        platform::NavigationController navigation(chat);
+        navigation.view()->resize(375, 812);
+        navigation.view()->show();
+        ZIQChatInputController *input = chat->inputController();
         input->textField()->setText(QStringLiteral("half a thought"));
         input->setMorePanelVisible(true);
-        open.chat->setNeedScrollToBottom(false);
+        chat->setNeedScrollToBottom(false);
 
         const QList<ZIQExtensionInfo> items = ZIQChatInputMoreItems::getItems({ group.groupID() });
         QCOMPARE(items.size(), 1);
@@ -136,22 +124,22 @@ private Q_SLOTS:
         QObject stranger;
         items.first().onClicked({
             { ZIQCore_ZIQChatExtension_InputViewMoreItem_VC,
-                QVariant::fromValue<QObject *>(withChat ? static_cast<QObject *>(open.chat) : &stranger) },
+                QVariant::fromValue<QObject *>(withChat ? static_cast<QObject *>(chat) : &stranger) },
             { ZIQCore_ZIQChatExtension_InputViewMoreItem_PushVC,
-                QVariant::fromValue<QObject *>(withNavigation ? &open.navigation : nullptr) },
+                QVariant::fromValue<QObject *>(withNavigation ? &navigation : nullptr) },
         });
 
         QCOMPARE(input->textField()->text().isEmpty(), withChat);
         QCOMPARE(input->isMorePanelVisible(), !withChat);
-        QCOMPARE(open.chat->needScrollToBottom(), withChat);
-        auto *editor = qobject_cast<ZIQGroupNoteViewController *>(open.navigation.topViewController());
+        QCOMPARE(chat->needScrollToBottom(), withChat);
+        auto *editor = qobject_cast<ZIQGroupNoteViewController *>(navigation.topViewController());
         QCOMPARE(editor != nullptr, withNavigation);
         if (!editor)
             return;
         QCOMPARE(editor->groupID(), group.groupID());
         QVERIFY(editor->isCreateNew());
         QVERIFY(!editor->dataProvider()->message());
-        QVERIFY(open.navigation.isTransitioning()); // pushed with animation
+        QVERIFY(navigation.isTransitioning()); // pushed with animation
     }
 };
 
