@@ -11,12 +11,13 @@ ZIQGroupNoteTipsCell::ZIQGroupNoteTipsCell(const QString &reuseIdentifier, QWidg
 {
     // The chat hands every plug-in row's tap to every such row; only this row's own tap counts.
     pluginMsgSelectCallback = [weakSelf = QPointer<ZIQGroupNoteTipsCell>(this)](const QVariantMap &param) {
-        const QVariant cellValue = param.value(ZIQCore_ZIQPluginNotify_PluginCustomCellClick_Cell);
+        // Compared before it is looked into: the tapped row may be any row, even a gone one.
+        const QObject *tapped = param.value(ZIQCore_ZIQPluginNotify_PluginCustomCellClick_Cell).value<QObject *>();
+        if (!weakSelf || tapped != weakSelf.data())
+            return;
         const QVariant navValue = param.value(ZIQCore_ZIQPluginNotify_PluginCustomCellClick_PushVC);
-        auto *cell = qobject_cast<ZIQGroupNoteTipsCell *>(cellValue.value<QObject *>());
-        auto *nav = qobject_cast<platform::NavigationController *>(navValue.value<QObject *>());
-        if (weakSelf && cell == weakSelf && nav)
-            weakSelf->clickGroupNoteTipsMessage(cell, nav);
+        if (auto *nav = qobject_cast<platform::NavigationController *>(navValue.value<QObject *>()))
+            weakSelf->clickGroupNoteTipsMessage(weakSelf, nav);
     };
 }
 

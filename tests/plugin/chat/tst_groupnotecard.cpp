@@ -337,7 +337,12 @@ private Q_SLOTS:
         QCOMPARE(cell.vc(), card);
         QTRY_COMPARE(card->titleLabel()->text(), QStringLiteral("Second"));
         QTRY_COMPARE(rowText(card, 1), QStringLiteral("line 4"));
-        QTest::qWait(50);
+        // The service answers in order: once a later fetch of the first note is answered, so is
+        // the stale one.
+        auto answered = std::make_shared<bool>(false);
+        ZIQGroupNoteDataProvider probe(scene.find("alice", first));
+        probe.getNoteStatistics([answered](int, const QString &, const ZIQGroupNoteInfoPtr &) { *answered = true; });
+        QTRY_VERIFY(*answered);
         QCOMPARE(card->titleLabel()->text(), QStringLiteral("Second"));
         QCOMPARE(shownRows(card), 2);
 
