@@ -58,11 +58,16 @@ public:
     {
         QStringList lines;
         for (const Call &call : calls)
-            lines << QStringLiteral("%1 %2 %3").arg(QLatin1String(call.action), call.sender->objectName(), call.seen).trimmed();
+            lines << QStringLiteral("%1 %2 %3")
+                         .arg(QLatin1String(call.action), call.sender->objectName(), call.seen)
+                         .trimmed();
         return lines;
     }
 
-    Q_INVOKABLE void onEditItem(ZIQGroupNoteTextFieldCellData *data) { record("onEditItem", data, data->item()->content()); }
+    Q_INVOKABLE void onEditItem(ZIQGroupNoteTextFieldCellData *data)
+    {
+        record("onEditItem", data, data->item()->content());
+    }
     Q_INVOKABLE void onRepeatItem(ZIQGroupNoteTextFieldCellData *data) { record("onRepeatItem", data); }
     Q_INVOKABLE void onSwitchMultiSubmit(ZIQCommonSwitchCell *cell) { recordSwitch("onSwitchMultiSubmit", cell); }
     Q_INVOKABLE void onSwitchAllowNotify(ZIQCommonSwitchCell *cell) { recordSwitch("onSwitchAllowNotify", cell); }
@@ -74,7 +79,10 @@ public:
     Q_INVOKABLE void onEndEditDeadlineSelector(QPushButton *button) { record("onEndEditDeadlineSelector", button); }
 
 private:
-    void record(const char *action, QObject *sender, const QString &seen = {}) { calls.append({ action, sender, seen }); }
+    void record(const char *action, QObject *sender, const QString &seen = {})
+    {
+        calls.append({ action, sender, seen });
+    }
     void recordSwitch(const char *action, ZIQCommonSwitchCell *cell)
     {
         record(action, cell, cell->switcher()->isOn() ? QStringLiteral("on") : QStringLiteral("off"));

@@ -73,12 +73,15 @@ private Q_SLOTS:
         const QString notSet = localized("ZIQGroupNoteDeadlineNotSet");
         const auto dated = [](double ms) { return setting(true, true, ms); };
         QTest::newRow("no setting") << ZIQGroupNoteSettingPtr() << true << notSet << true;
-        QTest::newRow("single entry") << setting(false, true, utcMs(2024, 6, 15, 0, 5)) << false << "2024-06-15 08:05" << true;
+        QTest::newRow("single entry") << setting(false, true, utcMs(2024, 6, 15, 0, 5)) << false << "2024-06-15 08:05"
+                                      << true;
         QTest::newRow("silent, no deadline") << setting(true, false, 0) << true << notSet << false;
         // The year shown is the week's, on the device's calendar day: Sunday 29 December 2024 starts
         // the week holding 1 January.
-        QTest::newRow("Saturday before the year's last week") << dated(utcMs(2024, 12, 28, 15, 59)) << true << "2024-12-28 23:59" << true;
-        QTest::newRow("Sunday, in UTC still Saturday") << dated(utcMs(2024, 12, 28, 16, 0)) << true << "2025-12-29 00:00" << true;
+        QTest::newRow("Saturday before the year's last week")
+            << dated(utcMs(2024, 12, 28, 15, 59)) << true << "2024-12-28 23:59" << true;
+        QTest::newRow("Sunday, in UTC still Saturday")
+            << dated(utcMs(2024, 12, 28, 16, 0)) << true << "2025-12-29 00:00" << true;
     }
 
     void rowsShowTheSetting()
