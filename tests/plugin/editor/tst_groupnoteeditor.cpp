@@ -1,5 +1,7 @@
 // The editor screen driven as a member drives it: through a navigation stack, with several
 // clients of one group on the in-process service.
+#include "EditorTestSupport.h"
+
 #include "plugin/editor/ZIQGroupNoteContentView.h"
 #include "plugin/editor/ZIQGroupNoteMenuView.h"
 #include "plugin/editor/ZIQGroupNoteSettingView.h"
@@ -7,35 +9,19 @@
 #include "plugin/editor/ZIQGroupNoteViewController.h"
 #include "plugin/provider/ProviderTestSupport.h"
 
-#include "kit/common/ZIQGlobalization.h"
 #include "platform/Keyboard.h"
 #include "platform/MainQueue.h"
 #include "platform/NavigationController.h"
 #include "platform/NotificationCenter.h"
-#include "platform/Screen.h"
-#include "platform/TableView.h"
-#include "platform/TextField.h"
 #include "platform/ToastCenter.h"
 
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QToolButton>
 #include <QtTest>
 
 namespace {
-
-QString localized(const char *key)
-{
-    return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
-}
-
-/// Saves the phone's screen as `name`.png into $ZIQ_PICTURES_DIR when that is set.
-void savePicture(QWidget *screen, const QString &name)
-{
-    const QString dir = qEnvironmentVariable("ZIQ_PICTURES_DIR");
-    if (!dir.isEmpty())
-        QVERIFY(screen->grab().save(QDir(dir).filePath(name + QStringLiteral(".png"))));
-}
 
 /// A phone showing `user`'s editor over `msgID` (a new note when empty), pushed on a stack.
 struct Phone
@@ -61,7 +47,10 @@ struct Phone
         return qobject_cast<ZIQGroupNoteTextFieldCell *>(
             editor->contentView()->itemTableView()->cellForRow({ 0, index }));
     }
-    QPushButton *addButton() const { return editor->contentView()->findChild<QPushButton *>(QStringLiteral("addButton")); }
+    QPushButton *addButton() const
+    {
+        return editor->contentView()->findChild<QPushButton *>(QStringLiteral("addButton"));
+    }
     int rowCount() const { return int(editor->dataProvider()->dataList().size()); }
 
     platform::ViewController *root;
@@ -76,172 +65,168 @@ class tst_GroupNoteEditor : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void creatorComposesAndTheGroupSeesTheNote();
-    void sendIsGuardedForTwoSeconds();
-    void refusals_data();
-    void refusals();
-    void onlyTheCreatorSeesTabs_data();
-    void onlyTheCreatorSeesTabs();
-    void onlyEntryFieldsMoveTheScreenForTheKeyboard();
+    void initTestCase() { registerPluginTheme(); }
+    void creatorComposesAndTheGroupSeesTheNote()
+    {
+        Scene scene;
+        Phone alice(scene, "alice");
+        QString postedID;
+        QObject observer;
+        platform::NotificationCenter::defaultCenter().addObserver(&observer,
+            ZIQGroupNoteViewController::GroupNoteUpdatedNotification,
+            [&](const platform::Notification &n) { postedID = n.userInfo.value(QStringLiteral("msgID")).toString(); });
+
+        QTest::keyClicks(alice.editor->contentView()->infoTextFields().at(0), QStringLiteral("Picnic"));
+        QTest::mouseClick(alice.addButton(), Qt::LeftButton);
+        scene.clock.advance(300); // the new row scrolls into view and takes the focus
+        QTRY_VERIFY(alice.row(0) && alice.row(0)->textField()->hasFocus());
+        const QString entry = alice.row(0)->textField()->text() + QStringLiteral("Bring cake");
+        QTest::keyClicks(alice.row(0)->textField(), QStringLiteral("Bring cake"));
+
+        savePicture(alice.navigation.view(), QStringLiteral("editor-composing"));
+        QTest::mouseClick(alice.editor->submitButton(), Qt::LeftButton);
+        QTRY_VERIFY((scene.clock.advance(500), !postedID.isEmpty()));
+        QCOMPARE(platform::ToastCenter::instance()->lastText(), localized("ZIQGroupNoteSendSucceed"));
+        QTRY_VERIFY(alice.navigation.topViewController() == alice.root);
+
+        const V2VORMessagePtr seenByBob = scene.find("bob", postedID);
+        QVERIFY(seenByBob);
+        QVERIFY(seenByBob->customElem() && seenByBob->customElem()->data.contains("Picnic"));
+        QCOMPARE(scene.stored(postedID), QStringList { entry });
+    }
+
+    void sendIsGuardedForTwoSeconds()
+    {
+        Scene scene;
+        Phone alice(scene, "alice");
+        QTest::keyClicks(alice.editor->contentView()->infoTextFields().at(0), QStringLiteral("Rota"));
+        QPushButton *send = alice.editor->submitButton();
+
+        QTest::mouseClick(send, Qt::LeftButton);
+        QTest::mouseClick(send, Qt::LeftButton);
+        QVERIFY(!send->isEnabled());
+        scene.clock.advance(ZIQGroupNoteViewController::SendGuardMs - 1);
+        QVERIFY(!send->isEnabled());
+        scene.clock.advance(1);
+        QVERIFY(send->isEnabled());
+        QTRY_COMPARE(scene.chat.handedOver.size(), 1);
+    }
+
+    void refusals_data()
+    {
+        QTest::addColumn<bool>("allowMultiSubmit");
+        QTest::addColumn<bool>("pastDeadline");
+        QTest::addColumn<bool>("repeat");
+        QTest::addColumn<int>("taps");
+        QTest::addColumn<int>("rowsAdded");
+        QTest::addColumn<QString>("toast");
+
+        const QString once = localized("ZIQGroupNoteSubmitOnce");
+        const QString stopped = localized("ZIQGroupNoteExceedDeadline");
+        QTest::newRow("one entry each: second add") << false << false << false << 2 << 1 << once;
+        QTest::newRow("one entry each: second repeat") << false << false << true << 2 << 1 << once;
+        QTest::newRow("several entries") << true << false << false << 3 << 3 << QString();
+        // Adding after the deadline is left to the submission to refuse; repeating is refused here.
+        QTest::newRow("add after the deadline") << true << true << false << 1 << 1 << QString();
+        QTest::newRow("repeat after the deadline") << true << true << true << 1 << 0 << stopped;
+    }
+
+    void refusals()
+    {
+        QFETCH(bool, allowMultiSubmit);
+        QFETCH(bool, pastDeadline);
+        QFETCH(bool, repeat);
+        QFETCH(int, taps);
+        QFETCH(int, rowsAdded);
+        QFETCH(QString, toast);
+
+        Scene scene;
+        const double deadline = platform::MainQueue::now() + 60'000;
+        const QString msgID = scene.post(1, allowMultiSubmit, deadline);
+        Phone bob(scene, "bob", msgID);
+        QTRY_COMPARE(bob.rowCount(), 1);
+        if (pastDeadline)
+            scene.clock.advance(61'000);
+        QSignalSpy toasts(platform::ToastCenter::instance(), &platform::ToastCenter::toastShown);
+
+        for (int tap = 0; tap < taps; ++tap) {
+            if (repeat)
+                QTest::mouseClick(bob.row(0)->repeatButton(), Qt::LeftButton);
+            else
+                QTest::mouseClick(bob.addButton(), Qt::LeftButton);
+        }
+        QCOMPARE(bob.rowCount(), 1 + rowsAdded);
+        QCOMPARE(toasts.isEmpty() ? QString() : toasts.constLast().at(0).toString(), toast);
+    }
+
+    void onlyTheCreatorSeesTabs_data()
+    {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<bool>("tabs");
+        QTest::addColumn<int>("pageTop");
+        QTest::addColumn<QString>("theme");
+        // The bar ends at 88 on this phone; the tabs take 50 under it.
+        QTest::newRow("creator") << "alice" << true << 138 << ZIQThemeLight;
+        QTest::newRow("member, dark") << "bob" << false << 88 << ZIQThemeDark;
+    }
+
+    void onlyTheCreatorSeesTabs()
+    {
+        QFETCH(QString, user);
+        QFETCH(bool, tabs);
+        QFETCH(int, pageTop);
+        QFETCH(QString, theme);
+        ZIQThemeManager::shareManager()->applyTheme(theme);
+        const auto restore = qScopeGuard([] { ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight); });
+
+        Scene scene;
+        const QString msgID = scene.post(2);
+        Phone phone(scene, user, msgID);
+        QTRY_COMPARE(phone.rowCount(), 2);
+        QCOMPARE(phone.editor->menuView()->isVisible(), tabs);
+        QCOMPARE(phone.editor->contentView()->geometry().top(), pageTop);
+        savePicture(phone.navigation.view(), QStringLiteral("editor-existing-%1-%2").arg(user, theme));
+        QVERIFY(phone.editor->settingView()->isHidden());
+        if (!tabs)
+            return;
+        QTest::mouseClick(phone.editor->menuView()->findChildren<QPushButton *>().at(1), Qt::LeftButton);
+        QVERIFY(phone.editor->contentView()->isHidden());
+        QVERIFY(phone.editor->settingView()->isVisible());
+    }
+
+    void onlyEntryFieldsMoveTheScreenForTheKeyboard()
+    {
+        Scene scene;
+        const QString msgID = scene.post(12);
+        Phone bob(scene, "bob", msgID);
+        QTRY_COMPARE(bob.rowCount(), 12);
+        QWidget *screen = bob.editor->view();
+
+        // An entry near the bottom: the screen rises by what the keyboard covers beyond the free room.
+        QTest::mouseClick(bob.addButton(), Qt::LeftButton);
+        QTRY_VERIFY((scene.clock.advance(50), bob.row(12) && bob.row(12)->textField()->hasFocus()));
+        scene.clock.advance(platform::Keyboard::AnimationDurationMs + 300);
+        const float blank = bob.editor->contentView()->bottomBlankHeight();
+        QVERIFY(blank < platform::Keyboard::height());
+        QTRY_COMPARE(screen->y(), -qRound(platform::Keyboard::height() - blank));
+        QVERIFY(bob.editor->isKeyboardVisible());
+        savePicture(bob.navigation.view(), QStringLiteral("editor-entry-above-keyboard"));
+
+        bob.row(12)->textField()->clearFocus();
+        QTRY_VERIFY((scene.clock.advance(100), screen->pos() == QPoint(0, 0)));
+        QVERIFY(!bob.editor->isKeyboardVisible());
+
+        // The page's own fields never move it.
+        Phone alice(scene, "alice");
+        alice.editor->contentView()->infoTextFields().at(0)->setFocus();
+        scene.clock.advance(platform::Keyboard::AnimationDurationMs + 300);
+        QVERIFY(platform::Keyboard::instance()->isVisible());
+        QCOMPARE(alice.editor->view()->pos(), QPoint(0, 0));
+    }
 
 private:
     platform::ScreenScope m_screen { QSize(375, 812) };
 };
-
-void tst_GroupNoteEditor::creatorComposesAndTheGroupSeesTheNote()
-{
-    Scene scene;
-    Phone alice(scene, "alice");
-    QString postedID;
-    QObject observer;
-    platform::NotificationCenter::defaultCenter().addObserver(&observer, ZIQGroupNoteViewController::GroupNoteUpdatedNotification,
-        [&](const platform::Notification &n) { postedID = n.userInfo.value(QStringLiteral("msgID")).toString(); });
-
-    QTest::keyClicks(alice.editor->contentView()->infoTextFields().at(0), QStringLiteral("Picnic"));
-    QTest::mouseClick(alice.addButton(), Qt::LeftButton);
-    QCOMPARE(alice.rowCount(), 1);
-    scene.clock.advance(300); // the new row scrolls into view and takes the focus
-    QTRY_VERIFY(alice.row(0) && alice.row(0)->textField()->hasFocus());
-    const QString entry = alice.row(0)->textField()->text() + QStringLiteral("Bring cake");
-    QTest::keyClicks(alice.row(0)->textField(), QStringLiteral("Bring cake"));
-
-    savePicture(alice.navigation.view(), QStringLiteral("editor-composing"));
-    QTest::mouseClick(alice.editor->submitButton(), Qt::LeftButton);
-    QTRY_VERIFY((scene.clock.advance(500), !postedID.isEmpty()));
-    QCOMPARE(platform::ToastCenter::instance()->lastText(), localized("ZIQGroupNoteSendSucceed"));
-    QTRY_VERIFY(alice.navigation.topViewController() == alice.root);
-
-    const V2VORMessagePtr seenByBob = scene.find("bob", postedID);
-    QVERIFY(seenByBob);
-    QVERIFY(seenByBob->customElem() && seenByBob->customElem()->data.contains("Picnic"));
-    QCOMPARE(scene.stored(postedID), QStringList { entry });
-}
-
-void tst_GroupNoteEditor::sendIsGuardedForTwoSeconds()
-{
-    Scene scene;
-    Phone alice(scene, "alice");
-    QTest::keyClicks(alice.editor->contentView()->infoTextFields().at(0), QStringLiteral("Rota"));
-    QPushButton *send = alice.editor->submitButton();
-
-    QTest::mouseClick(send, Qt::LeftButton);
-    QTest::mouseClick(send, Qt::LeftButton);
-    QVERIFY(!send->isEnabled());
-    scene.clock.advance(ZIQGroupNoteViewController::SendGuardMs - 1);
-    QVERIFY(!send->isEnabled());
-    scene.clock.advance(1);
-    QVERIFY(send->isEnabled());
-    QTRY_COMPARE(scene.chat.handedOver.size(), 1);
-}
-
-void tst_GroupNoteEditor::refusals_data()
-{
-    QTest::addColumn<bool>("allowMultiSubmit");
-    QTest::addColumn<bool>("pastDeadline");
-    QTest::addColumn<bool>("repeat");
-    QTest::addColumn<int>("taps");
-    QTest::addColumn<int>("rowsAdded");
-    QTest::addColumn<QString>("toast");
-
-    const QString once = localized("ZIQGroupNoteSubmitOnce");
-    const QString stopped = localized("ZIQGroupNoteExceedDeadline");
-    QTest::newRow("one entry each: second add") << false << false << false << 2 << 1 << once;
-    QTest::newRow("one entry each: second repeat") << false << false << true << 2 << 1 << once;
-    QTest::newRow("several entries") << true << false << false << 3 << 3 << QString();
-    // Adding after the deadline is left to the submission to refuse; repeating is refused here.
-    QTest::newRow("add after the deadline") << true << true << false << 1 << 1 << QString();
-    QTest::newRow("repeat after the deadline") << true << true << true << 1 << 0 << stopped;
-}
-
-void tst_GroupNoteEditor::refusals()
-{
-    QFETCH(bool, allowMultiSubmit);
-    QFETCH(bool, pastDeadline);
-    QFETCH(bool, repeat);
-    QFETCH(int, taps);
-    QFETCH(int, rowsAdded);
-    QFETCH(QString, toast);
-
-    Scene scene;
-    const double deadline = platform::MainQueue::now() + 60'000;
-    const QString msgID = scene.post(1, allowMultiSubmit, deadline);
-    QVERIFY(!msgID.isEmpty());
-    Phone bob(scene, "bob", msgID);
-    QTRY_COMPARE(bob.rowCount(), 1);
-    if (pastDeadline)
-        scene.clock.advance(61'000);
-    QSignalSpy toasts(platform::ToastCenter::instance(), &platform::ToastCenter::toastShown);
-
-    for (int tap = 0; tap < taps; ++tap) {
-        if (repeat)
-            QTest::mouseClick(bob.row(0)->repeatButton(), Qt::LeftButton);
-        else
-            QTest::mouseClick(bob.addButton(), Qt::LeftButton);
-    }
-    QCOMPARE(bob.rowCount(), 1 + rowsAdded);
-    QCOMPARE(toasts.isEmpty() ? QString() : toasts.constLast().at(0).toString(), toast);
-}
-
-void tst_GroupNoteEditor::onlyTheCreatorSeesTabs_data()
-{
-    QTest::addColumn<QString>("user");
-    QTest::addColumn<bool>("tabs");
-    QTest::addColumn<int>("pageTop");
-    // The bar ends at 88 on this phone; the tabs take 50 under it.
-    QTest::newRow("creator") << "alice" << true << 138;
-    QTest::newRow("member") << "bob" << false << 88;
-}
-
-void tst_GroupNoteEditor::onlyTheCreatorSeesTabs()
-{
-    QFETCH(QString, user);
-    QFETCH(bool, tabs);
-    QFETCH(int, pageTop);
-
-    Scene scene;
-    const QString msgID = scene.post(2);
-    Phone phone(scene, user, msgID);
-    QTRY_COMPARE(phone.rowCount(), 2);
-    QCOMPARE(phone.editor->menuView()->isVisible(), tabs);
-    QCOMPARE(phone.editor->contentView()->geometry().top(), pageTop);
-    savePicture(phone.navigation.view(), QStringLiteral("editor-existing-") + user);
-    QVERIFY(phone.editor->settingView()->isHidden());
-    if (!tabs)
-        return;
-    QTest::mouseClick(phone.editor->menuView()->findChildren<QPushButton *>().at(1), Qt::LeftButton);
-    QVERIFY(phone.editor->contentView()->isHidden());
-    QVERIFY(phone.editor->settingView()->isVisible());
-}
-
-void tst_GroupNoteEditor::onlyEntryFieldsMoveTheScreenForTheKeyboard()
-{
-    Scene scene;
-    const QString msgID = scene.post(12);
-    Phone bob(scene, "bob", msgID);
-    QTRY_COMPARE(bob.rowCount(), 12);
-    QWidget *screen = bob.editor->view();
-
-    // An entry near the bottom: the screen rises by what the keyboard covers beyond the free room.
-    QTest::mouseClick(bob.addButton(), Qt::LeftButton);
-    QTRY_VERIFY((scene.clock.advance(50), bob.row(12) && bob.row(12)->textField()->hasFocus()));
-    scene.clock.advance(platform::Keyboard::AnimationDurationMs + 300);
-    const float blank = bob.editor->contentView()->bottomBlankHeight();
-    QVERIFY(blank < platform::Keyboard::height());
-    QTRY_COMPARE(screen->y(), -qRound(platform::Keyboard::height() - blank));
-    QVERIFY(bob.editor->isKeyboardVisible());
-    savePicture(bob.navigation.view(), QStringLiteral("editor-entry-above-keyboard"));
-
-    bob.row(12)->textField()->clearFocus();
-    QTRY_VERIFY((scene.clock.advance(100), screen->pos() == QPoint(0, 0)));
-    QVERIFY(!bob.editor->isKeyboardVisible());
-
-    // The page's own fields never move it.
-    Phone alice(scene, "alice");
-    alice.editor->contentView()->infoTextFields().at(0)->setFocus();
-    scene.clock.advance(platform::Keyboard::AnimationDurationMs + 300);
-    QVERIFY(platform::Keyboard::instance()->isVisible());
-    QCOMPARE(alice.editor->view()->pos(), QPoint(0, 0));
-}
 
 QTEST_MAIN(tst_GroupNoteEditor)
 #include "tst_groupnoteeditor.moc"
