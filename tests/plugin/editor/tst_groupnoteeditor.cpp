@@ -9,6 +9,8 @@
 #include "plugin/editor/ZIQGroupNoteViewController.h"
 #include "plugin/provider/ProviderTestSupport.h"
 
+#include "kit/chat/ZIQChatService.h"
+#include "kit/chat/ZIQChatClassRegistry.h"
 #include "platform/Keyboard.h"
 #include "platform/MainQueue.h"
 #include "platform/NavigationController.h"
@@ -26,14 +28,16 @@ namespace {
 /// A phone showing `user`'s editor over `msgID` (a new note when empty), pushed on a stack.
 struct Phone
 {
-    Phone(Scene &scene, const QString &user, const QString &msgID = {})
+    /// `groupID` stands in for the group's own, as a tips row hands over its message ID.
+    Phone(Scene &scene, const QString &user, const QString &msgID = {}, const QString &groupID = {})
         : root(new platform::ViewController)
         , navigation(root)
     {
         scene.group.actAs(user);
         scene.chat.sender = scene.group.client(user);
         const V2VORMessagePtr message = msgID.isEmpty() ? nullptr : scene.find(user, msgID);
-        editor = new ZIQGroupNoteViewController(scene.group.groupID(), message, msgID.isEmpty());
+        editor = new ZIQGroupNoteViewController(
+            groupID.isEmpty() ? scene.group.groupID() : groupID, message, msgID.isEmpty());
         navigation.view()->resize(375, 812);
         navigation.view()->show();
         QApplication::setActiveWindow(navigation.view());
@@ -66,6 +70,30 @@ class tst_GroupNoteEditor : public QObject
 
 private Q_SLOTS:
     void initTestCase() { registerPluginTheme(); }
+    void joiningFromATipsRowTellsTheNotesGroup()
+    {
+        Scene scene;
+        const QString msgID = scene.post(1);
+        const V2VORMessagePtr tips = scene.join("bob", msgID, QStringLiteral("bob's line"));
+        QVERIFY(tips);
+        // The kit's own chat service: with no chat on screen it sends into the group a message names.
+        ZIQCore::registerService(ZIQCore_ZIQChatService, ZIQChatService::instance());
+        Phone carol(scene, "carol", tips->msgID(), tips->msgID());
+        QTRY_COMPARE(carol.rowCount(), 2);
+        QTest::mouseClick(carol.addButton(), Qt::LeftButton);
+        QTest::mouseClick(carol.editor->submitButton(), Qt::LeftButton);
+        QTRY_VERIFY((scene.clock.advance(500), carol.navigation.topViewController() == carol.root));
+
+        const auto tipsFromCarol = [&] {
+            const QList<V2VORMessagePtr> messages = scene.group.server()->groupMessages(scene.group.groupID());
+            return std::count_if(messages.begin(), messages.end(), [](const V2VORMessagePtr &message) {
+                return message->sender() == QLatin1String("carol")
+                    && ZIQChatClassRegistry::businessIDOf(*message) == QLatin1String("group_note_tips");
+            });
+        };
+        QTRY_COMPARE(tipsFromCarol(), 1);
+        QCOMPARE(scene.stored(msgID).size(), 3);
+    }
     void creatorComposesAndTheGroupSeesTheNote()
     {
         Scene scene;
