@@ -4,6 +4,8 @@
 #include "platform/MainQueue.h"
 #include "plugin/model/ZIQGroupNoteExtensionKey.h"
 
+#include <QSet>
+
 namespace {
 
 constexpr qsizetype kCollapsedPreviewRows = 2;
@@ -79,13 +81,12 @@ double ZIQGroupNoteEditingSession::freeTimestamp(const QString &userID) const
 {
     // The creation time is the entry's identity: two lines added within one millisecond would
     // share a key and one would overwrite the other, so a clash moves on by a millisecond.
+    QSet<QString> taken;
+    taken.reserve(m_info->items().size());
+    for (const ZIQGroupNoteItemPtr &other : m_info->items())
+        taken.insert(other->keyWithoutSeq());
     double timestamp = platform::MainQueue::now();
-    const auto clashes = [&](double time) {
-        const QString identity = ZIQGroupNoteExtensionKey::entryKeyWithoutSeq(userID, time);
-        return std::any_of(m_info->items().cbegin(), m_info->items().cend(),
-            [&](const ZIQGroupNoteItemPtr &other) { return other->keyWithoutSeq() == identity; });
-    };
-    while (clashes(timestamp))
+    while (taken.contains(ZIQGroupNoteExtensionKey::entryKeyWithoutSeq(userID, timestamp)))
         timestamp += 1;
     return timestamp;
 }
