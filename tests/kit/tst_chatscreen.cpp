@@ -222,6 +222,22 @@ private Q_SLOTS:
         QTRY_VERIFY(open.cell<ZIQTextMessageCell>(1) && open.cell<ZIQTextMessageCell>(1)->statusView()->isHidden());
     }
 
+    void aScreenPushedOverTheChatStillSendsIntoIt()
+    {
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        group.actAs("alice");
+        OpenChat open({ group.groupID(), {} }, group.client("alice"));
+        QVERIFY(open.waitLoaded(0));
+        open.navigation.pushViewController(new platform::ViewController, false);
+        open.navigation.finishTransition();
+        const V2VORMessagePtr sheet = group.client("alice")->createCustomMessage(sheetBody(2));
+        ZIQCore::callService(ZIQCore_ZIQChatService, ZIQCore_ZIQChatService_SendMessageMethod,
+            { { ZIQCore_ZIQChatService_SendMessageMethod_MsgKey, QVariant::fromValue(sheet) } });
+        QTRY_COMPARE(open.chat->messageList()->count(), 1);
+        QTRY_COMPARE(int(open.chat->messageList()->cellData(0)->status()), int(ZIQMessageStatus::Sent));
+    }
+
     void typedTextAndReactionsAppearLiveForEveryMember()
     {
         platform::ScreenScope screen({ 375, 812 });

@@ -148,7 +148,11 @@ void ZIQBaseChatViewController::viewDidAppear(bool)
 
 void ZIQBaseChatViewController::viewDidDisappear(bool)
 {
-    if (ZIQChatService::instance()->currentChat() == m_messageList)
+    // Covered by a screen pushed over it (a plug-in's editor), the chat stays the one messages
+    // are sent into, so what that screen sends shows here; only leaving the stack ends that.
+    const platform::NavigationController *navigation = navigationController();
+    const bool covered = navigation && navigation->viewControllers().contains(this);
+    if (!covered && ZIQChatService::instance()->currentChat() == m_messageList)
         ZIQChatService::instance()->setCurrentChat(nullptr);
     m_reactionMenu->hide();
 }

@@ -346,6 +346,14 @@ void ZIQGroupNotePreviewViewController::notifyPreviewViewSizeChanged()
 void ZIQGroupNotePreviewViewController::onJoinButtonClicked()
 {
     platform::NavigationController *navigation = navigationController();
+    if (!navigation && m_cell) {
+        // A cell filled before the chat's table placed it had no screen to join then; it has now.
+        if (platform::ViewController *owner = m_cell->mm_viewController()) {
+            owner->addChildViewController(this);
+            didMoveToParentViewController(owner);
+            navigation = navigationController();
+        }
+    }
     if (!navigation || !m_message)
         return;
     navigation->pushViewController(new ZIQGroupNoteViewController(m_message->groupID(), m_message, false), true);
