@@ -97,7 +97,8 @@ QList<DemoTour::Step> DemoTour::steps()
         { QStringLiteral("new-note"), [this] { return composeNote(); } },
         { {}, send, sendMs },
         { QStringLiteral("card"), [this] { return reopenChat(); } },
-        { QStringLiteral("others-joined"), [this, others] { return playJoiners(others.mid(0, 2)); }, joinMs },
+        { {}, [this, others] { return playJoiners(others.mid(0, 2)); }, joinMs },
+        { QStringLiteral("others-joined"), [this] { return reopenChat(); } },
         // An open editor keeps the entries it opened with; the member's entry is merged when
         // the user sends.
         { QStringLiteral("editor-open"), [this, others] { return openCard() && playJoiners(others.mid(2)); }, joinMs },
@@ -214,8 +215,8 @@ bool DemoTour::openChat()
 
 bool DemoTour::reopenChat()
 {
-    // A note sent while the editor covers the chat does not reach the chat's open list, so
-    // the user's own card shows once the chat is entered again.
+    // An open chat neither takes in the user's own note, sent while the editor covered it,
+    // nor redraws a card on screen when others add entries; entering the chat again reads both.
     if (!click(QStringLiteral("navigationBackButton")))
         return false;
     m_navigation->finishTransition();
