@@ -21,12 +21,16 @@ if [[ "${language:-en}" != en || "$theme" != light ]]; then
     suffix="-${language:-en}-$theme"
 fi
 
-scripts/install-deps.sh
-cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DZIQ_BUILD_BENCH=OFF >/dev/null
-cmake --build build-release -j"$(nproc)" --target group-notes-demo
+# BUILD_DIR names a build tree already configured (say, the one tests run from) to use instead.
+build="${BUILD_DIR:-build-release}"
+if [ -z "${BUILD_DIR:-}" ]; then
+    scripts/install-deps.sh
+    cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DZIQ_BUILD_BENCH=OFF >/dev/null
+fi
+cmake --build "$build" -j"$(nproc)" --target group-notes-demo
 out="$(mktemp -d)"
 trap 'rm -rf "$out"' EXIT
-QT_QPA_PLATFORM=offscreen build-release/apps/demo/group-notes-demo --screenshot "$out" "$@"
+QT_QPA_PLATFORM=offscreen "$build"/apps/demo/group-notes-demo --screenshot "$out" "$@"
 for picture in "$out"/*.png; do
     name="$(basename "$picture" .png)"
     cp "$picture" "docs/pictures/$name$suffix.png"

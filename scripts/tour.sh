@@ -5,15 +5,19 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install-deps.sh
-cmake -S . -B build-release -DCMAKE_BUILD_TYPE=Release -DZIQ_BUILD_BENCH=OFF >/dev/null
-cmake --build build-release -j"$(nproc)" --target group-notes-demo
+# BUILD_DIR names a build tree already configured (say, the one tests run from) to use instead.
+build="${BUILD_DIR:-build-release}"
+if [ -z "${BUILD_DIR:-}" ]; then
+    scripts/install-deps.sh
+    cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DZIQ_BUILD_BENCH=OFF >/dev/null
+fi
+cmake --build "$build" -j"$(nproc)" --target group-notes-demo
 for language in en zh-Hans; do
     for theme in light dark; do
         out="docs/pictures/tour/$language-$theme"
         rm -rf "$out"
         start=$(date +%s%N)
-        QT_QPA_PLATFORM=offscreen build-release/apps/demo/group-notes-demo \
+        QT_QPA_PLATFORM=offscreen "$build"/apps/demo/group-notes-demo \
             --language "$language" --theme "$theme" --tour "$out" "$@"
         echo "$out: $(ls "$out" | wc -l) pictures in $((($(date +%s%N) - start) / 1000000)) ms"
     done
