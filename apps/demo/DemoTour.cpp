@@ -91,7 +91,6 @@ QList<DemoTour::Step> DemoTour::steps()
     // Long enough for the send's toast to go, so the picture shows the card unhidden.
     const int sendMs = ZIQGroupNoteViewController::SendGuardMs + ToastGoneMs;
     const auto send = [this] { return click(QStringLiteral("sendButton")); };
-    const auto openNote = [this] { return openCard(); };
     return {
         { QStringLiteral("more-panel"), [this] { return openChat(); } },
         { QStringLiteral("new-note"), [this] { return composeNote(); } },
@@ -107,14 +106,14 @@ QList<DemoTour::Step> DemoTour::steps()
                 return typeOwnEntries({ me + QStringLiteral(", first aid kit and plasters"), QStringLiteral("") });
             } },
         { QStringLiteral("edited-sent"), send, sendMs },
-        { {}, openNote },
+        { {}, [this] { return openCard(); } },
         { {}, [this] { return openDeadlineRow(); } },
         { QStringLiteral("deadline-picker"), [this] { return turnMinuteWheel(); } },
         { QStringLiteral("deadline-set"), [this] { return click(QStringLiteral("doneBtn")); } },
         // The deadline goes out with the note; the clock passes it before the note is opened again.
         { {}, send, sendMs },
         { {}, [] { return true; }, (DeadlineStepsAhead + 2) * 60 * 1000 },
-        { {}, openNote },
+        { {}, [this] { return openCard(); } },
         { QStringLiteral("after-deadline"), [this] { return click(QStringLiteral("repeatButton")); }, 300 },
     };
 }
@@ -137,7 +136,7 @@ void DemoTour::runStep(int index)
         return finish(true);
     const Step &step = m_steps.at(index);
     if (!step.act()) {
-        qWarning().noquote() << "tour: step" << step.name << "could not be played";
+        qWarning().noquote() << "tour: step" << index + 1 << step.name << "could not be played";
         return finish(false);
     }
     settle(step.settleMs, [this, index] {
@@ -158,7 +157,7 @@ void DemoTour::settle(int ms, std::function<void()> then)
     QTimer::singleShot(0, this, [this, ms, then = std::move(then)]() mutable {
         if (ms <= 0)
             return then();
-        // Long waits (a deadline minutes away) pass in a bounded number of turns.
+        // Long waits (a deadline minutes away) pass in larger turns, about a hundredth at a time.
         const int tick = std::min(ms, std::max(TickMs, ms / MaxTurns));
         m_clock->advance(tick);
         settle(ms - tick, std::move(then));
