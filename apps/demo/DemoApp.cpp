@@ -3,6 +3,7 @@
 #include "DemoCast.h"
 #include "DemoNoteScene.h"
 #include "DemoScreenshots.h"
+#include "DemoTour.h"
 #include "DemoWorld.h"
 
 #include "kit/chat/ZIQBaseChatViewController.h"
@@ -13,6 +14,7 @@
 #include "kit/common/ZIQLogin.h"
 #include "kit/common/ZIQThemeManager.h"
 #include "platform/MainQueue.h"
+#include "platform/ManualClock.h"
 #include "platform/NavigationController.h"
 #include "platform/Screen.h"
 #include "platform/SystemFont.h"
@@ -21,6 +23,7 @@
 #include "sdk/V2VORManager.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDebug>
 #include <QWidget>
 
@@ -29,6 +32,19 @@ DemoApp::DemoApp(const DemoOptions &options, QObject *parent)
     , m_options(options)
 {
 }
+
+namespace {
+
+/// How long before the start the demo's hiking group posted its sign-up sheet, in pictures.
+constexpr double NoteAgoMs = 60.0 * 60.0 * 1000.0;
+
+/// The tour always happens on the same Saturday morning, so its pictures show the same times.
+double tourStartMs()
+{
+    return double(QDateTime(QDate(2026, 5, 16), QTime(8, 0), Qt::UTC).toMSecsSinceEpoch());
+}
+
+} // namespace
 
 DemoApp::~DemoApp()
 {
@@ -42,6 +58,8 @@ DemoApp::~DemoApp()
 
 void DemoApp::start()
 {
+    if (!m_options.tourDir.isEmpty())
+        m_tourClock = std::make_unique<platform::ManualClock>(tourStartMs());
     setUpPlatform();
     ZIQChatService::registerInCore();
     ZIQGroupNotePlugin::load();
@@ -50,7 +68,11 @@ void DemoApp::start()
     m_client = new V2VORManager(m_server.get());
     V2VORManager::setSharedInstance(m_client);
     ZIQLogin::login(
-        m_options.userID, [this] { showScreens(); },
+        m_options.userID,
+        [this] {
+            playNoteIntoHistory();
+            showScreens();
+        },
         [](int code, const QString &desc) {
             qCritical().noquote() << "login failed:" << code << desc;
             QCoreApplication::exit(1);
@@ -81,8 +103,8 @@ void DemoApp::populate()
     connect(m_cast, &DemoCast::posted, this, [](const QString &userID, const ZIQChatConversation &chat, const QString &text) {
         qInfo().noquote() << userID << "in" << chat.conversationID() << "says:" << text;
     });
-    // A screenshot shows the history as it stands; nobody speaks while it is taken.
-    if (!m_options.screenshotDir.isEmpty())
+    // Pictures show the history as it stands; nobody speaks while they are taken.
+    if (isPictureRun())
         return;
     m_cast->start();
     const DemoNoteScene::Script note = DemoWorld::noteScript(m_options.userID);
@@ -101,10 +123,40 @@ void DemoApp::showScreens()
     window->setWindowTitle(QStringLiteral("Group notes"));
     window->setFixedSize(m_options.size);
     window->show();
-    if (m_options.screenshotDir.isEmpty())
+    if (isPictureRun())
+        takePictures(list);
+}
+
+void DemoApp::playNoteIntoHistory()
+{
+    // The screenshots find the group's note already in the history (the tour plays its own).
+    // The note goes out once the user's client is the process's, as it would on a phone.
+    const DemoNoteScene::Script note = DemoWorld::noteScript(m_options.userID);
+    if (m_options.screenshotDir.isEmpty() || !m_cast || note.groupID.isEmpty())
         return;
-    auto *shots = new DemoScreenshots(m_navigation.get(), list, m_options.screenshotDir, this);
-    shots->take([](bool written) { QCoreApplication::exit(written ? 0 : 1); });
+    if (!DemoWorld::playNote(*m_cast, note, platform::MainQueue::now() - NoteAgoMs))
+        qWarning() << "the group's note did not play to its end";
+}
+
+bool DemoApp::isPictureRun() const
+{
+    return !m_options.screenshotDir.isEmpty() || !m_options.tourDir.isEmpty();
+}
+
+void DemoApp::takePictures(ZIQConversationListViewController *list)
+{
+    const auto quit = [](bool written) { QCoreApplication::exit(written ? 0 : 1); };
+    if (!m_options.screenshotDir.isEmpty()) {
+        (new DemoScreenshots(m_navigation.get(), list, m_options.screenshotDir, this))->take(quit);
+        return;
+    }
+    if (!m_cast || DemoWorld::noteScript(m_options.userID).groupID.isEmpty()) {
+        qCritical().noquote() << "the tour needs a user in the hiking group with its other members";
+        return quit(false);
+    }
+    auto *tour = new DemoTour(
+        m_tourClock.get(), m_navigation.get(), list, m_cast, m_options.userID, m_options.tourDir, this);
+    tour->run(quit);
 }
 
 platform::ViewController *DemoApp::openChat(const ZIQChatConversation &conversation)

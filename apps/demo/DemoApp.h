@@ -16,6 +16,7 @@ class ZIQConversationListViewController;
 struct ZIQChatConversation;
 
 namespace platform {
+class ManualClock;
 class NavigationController;
 class ViewController;
 }
@@ -28,8 +29,8 @@ public:
     explicit DemoApp(const DemoOptions &options, QObject *parent = nullptr);
     ~DemoApp() override;
 
-    /// Sets up the service, logs in and shows the screens; with screenshots asked for, quits
-    /// the application once they are written (exit code 1 when one failed).
+    /// Sets up the service, logs in and shows the screens; with screenshots or the tour asked
+    /// for, quits the application once they are written (exit code 1 when one failed).
     void start();
 
     DemoCast *cast() const { return m_cast; }
@@ -37,11 +38,17 @@ public:
 private:
     void setUpPlatform();
     void populate();
+    void playNoteIntoHistory();
     void showScreens();
+    /// Pictures asked for on the command line, then the application ends.
+    void takePictures(ZIQConversationListViewController *list);
+    bool isPictureRun() const;
     platform::ViewController *openChat(const ZIQChatConversation &conversation);
     QString listTitle() const;
 
     DemoOptions m_options;
+    /// The tour's time, installed for the whole run.
+    std::unique_ptr<platform::ManualClock> m_tourClock;
     std::unique_ptr<MessagingServer> m_server;
     V2VORManager *m_client = nullptr;
     DemoCast *m_cast = nullptr;

@@ -34,6 +34,12 @@ void DemoNoteScene::start()
     platform::MainQueue::after(PostDelayMs, this, [this] { post(); });
 }
 
+void DemoNoteScene::joinNote(const QString &msgID)
+{
+    m_noteID = msgID;
+    join(0);
+}
+
 ZIQGroupNoteContext DemoNoteScene::contextOf(const QString &userID) const
 {
     return { m_cast ? m_cast->client(userID) : nullptr, userID, DemoWorld::nickNameOf(userID) };
@@ -67,8 +73,10 @@ void DemoNoteScene::join(int index)
 {
     const QString userID = m_script.joiners.value(index);
     const ZIQGroupNoteContext context = contextOf(userID);
-    if (userID.isEmpty() || !context.client)
+    if (userID.isEmpty() || !context.client) {
+        Q_EMIT finished();
         return;
+    }
     // Each member opens the note from their own copy of the message, as their chat shows it.
     QPointer<DemoNoteScene> self(this);
     context.client->findMessages(

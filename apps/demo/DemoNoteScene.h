@@ -37,12 +37,17 @@ public:
 
     /// Plays the script on the main queue's clock.
     void start();
+    /// The script's joiners, one after another, add their entries to the note `msgID` someone
+    /// else posted (the user, say); the script's first entry is not used.
+    void joinNote(const QString &msgID);
 
 Q_SIGNALS:
     /// The note message is in the group.
     void posted(const QString &msgID);
     /// `userID` added their entry.
     void joined(const QString &userID);
+    /// Every joiner has had their turn.
+    void finished();
 
 private:
     void post();

@@ -47,6 +47,11 @@ bool readValues(const QCommandLineParser &parser, DemoOptions &options, int &exi
         return fail(QStringLiteral("seed is a number or off"), exitCode);
     options.seed = isNumber ? std::optional<quint32>(number) : std::nullopt;
     options.screenshotDir = parser.value("screenshot");
+    options.tourDir = parser.value("tour");
+    if (!options.screenshotDir.isEmpty() && !options.tourDir.isEmpty())
+        return fail(QStringLiteral("screenshots and the tour are separate runs"), exitCode);
+    if (!options.tourDir.isEmpty() && !options.seed)
+        return fail(QStringLiteral("the tour needs the other members (a seed)"), exitCode);
     return true;
 }
 
@@ -67,6 +72,8 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, int 
         { "seed", "Seed of the other members' chatter, or off: no history and no other members.", "N|off",
           "1" },
         { "screenshot", "Take the screenshots into <dir> and exit.", "dir" },
+        { "tour", "Play a group note step by step, write a picture of each step into <dir> and exit.",
+          "dir" },
     });
     exitCode = 0;
     if (!parser.parse(arguments)) {
@@ -88,7 +95,7 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, int 
 bool DemoOptions::wantsScreenshots(int argc, char **argv)
 {
     for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--screenshot", 12) == 0)
+        if (std::strncmp(argv[i], "--screenshot", 12) == 0 || std::strncmp(argv[i], "--tour", 6) == 0)
             return true;
     }
     return false;

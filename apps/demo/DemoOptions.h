@@ -17,10 +17,12 @@ struct DemoOptions
     std::optional<quint32> seed = 1;
     /// Where screenshots go; empty for an interactive run.
     QString screenshotDir;
+    /// Where the note tour's pictures go; empty for no tour.
+    QString tourDir;
 
     /// Parses `arguments` (the program's, its name first); prints --help or an error and
     /// gives nothing when the program should end (with `exitCode`).
     static std::optional<DemoOptions> parse(const QStringList &arguments, int &exitCode);
-    /// Whether the arguments ask for screenshots, read before the application exists.
+    /// Whether the arguments ask for screenshots or the tour, read before the application exists.
     static bool wantsScreenshots(int argc, char **argv);
 };

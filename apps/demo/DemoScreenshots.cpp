@@ -56,13 +56,32 @@ void DemoScreenshots::shootList()
 void DemoScreenshots::shootChat()
 {
     m_ok = save(QStringLiteral("demo-group-chat.png")) && m_ok;
+    auto *chat = m_navigation ? qobject_cast<ZIQBaseChatViewController *>(m_navigation->topViewController()) : nullptr;
+    if (!chat) {
+        finish();
+        return;
+    }
+    // Without the panel the chat has room for the note card and the tips lines under it.
+    chat->setNeedScrollToBottom(true);
+    chat->inputController()->setMorePanelVisible(false);
+    platform::MainQueue::after(SettleMs, this, [this] { shootNoteCard(); });
+}
+
+void DemoScreenshots::shootNoteCard()
+{
+    m_ok = save(QStringLiteral("demo-note-card.png")) && m_ok;
     finish();
 }
 
 bool DemoScreenshots::save(const QString &name)
 {
-    const QString path = QDir(m_directory).filePath(name);
-    if (!m_navigation || !m_navigation->view()->grab().save(path)) {
+    return m_navigation && save(m_navigation->view(), m_directory, name);
+}
+
+bool DemoScreenshots::save(QWidget *view, const QString &directory, const QString &name)
+{
+    const QString path = QDir(directory).filePath(name);
+    if (!view->grab().save(path)) {
         qWarning().noquote() << "cannot write" << path;
         return false;
     }

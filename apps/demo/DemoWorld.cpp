@@ -155,6 +155,24 @@ void DemoWorld::playHistory(DemoCast &cast, double nowMs)
     QCoreApplication::processEvents();
 }
 
+bool DemoWorld::playNote(DemoCast &cast, const DemoNoteScene::Script &script, double startMs)
+{
+    // The scene's pauses pass in steps; the service's answers arrive between them.
+    constexpr int StepMs = 500;
+    constexpr int MaxSteps = 200;
+    platform::ManualClock clock(startMs);
+    DemoNoteScene scene(&cast, script);
+    bool finished = false;
+    QObject::connect(&scene, &DemoNoteScene::finished, &scene, [&finished] { finished = true; });
+    scene.start();
+    for (int step = 0; step < MaxSteps && !finished; ++step) {
+        QCoreApplication::processEvents();
+        clock.advance(StepMs);
+    }
+    QCoreApplication::processEvents();
+    return finished;
+}
+
 void DemoWorld::castOthers(DemoCast &cast, const QString &userID)
 {
     // Lines each chat's people say now and then while the demo runs.

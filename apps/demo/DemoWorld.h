@@ -35,6 +35,9 @@ public:
     /// Plays the last days' history through `cast` (every person becomes a member) on a manual
     /// clock, so that every message carries its own time before `nowMs`.
     static void playHistory(DemoCast &cast, double nowMs);
+    /// Plays `script` through `cast` at once on a manual clock that starts at `startMs`, so the
+    /// note and its entries join the history; false when the scene did not finish.
+    static bool playNote(DemoCast &cast, const DemoNoteScene::Script &script, double startMs);
     /// Makes everyone but `userID` a member of `cast`, with the chats and lines they speak.
     static void castOthers(DemoCast &cast, const QString &userID);
     /// The sign-up sheet the other members of `userID`'s hiking group play; no group when

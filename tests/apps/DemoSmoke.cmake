@@ -1,4 +1,5 @@
-# Runs the demo with no history and checks that it exits 0 having written the list's picture.
+# Runs the demo with no history and checks that it exits 0 having written the list's picture;
+# then with its history, where the group chat shows the hiking group's note card.
 file(REMOVE_RECURSE "${OUT}")
 execute_process(COMMAND "${DEMO}" --seed off --screenshot "${OUT}" RESULT_VARIABLE result TIMEOUT 50)
 if(NOT result EQUAL 0)
@@ -10,4 +11,19 @@ endif()
 file(SIZE "${OUT}/demo-conversations.png" size)
 if(size LESS 1000)
     message(FATAL_ERROR "the picture is only ${size} bytes")
+endif()
+
+file(REMOVE_RECURSE "${OUT}-history")
+execute_process(COMMAND "${DEMO}" --language en --screenshot "${OUT}-history" RESULT_VARIABLE result TIMEOUT 50)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "the demo with its history ended with ${result}")
+endif()
+foreach(name demo-group-chat demo-note-card)
+    if(NOT EXISTS "${OUT}-history/${name}.png")
+        message(FATAL_ERROR "the demo wrote no ${OUT}-history/${name}.png")
+    endif()
+    file(SHA256 "${OUT}-history/${name}.png" hash_${name})
+endforeach()
+if(hash_demo-group-chat STREQUAL hash_demo-note-card)
+    message(FATAL_ERROR "the note card picture shows the chat as it was with the more panel")
 endif()
