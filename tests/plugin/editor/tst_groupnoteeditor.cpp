@@ -15,8 +15,10 @@
 #include "platform/MainQueue.h"
 #include "platform/NavigationController.h"
 #include "platform/NotificationCenter.h"
+#include "platform/TableView.h"
 #include "platform/ToastCenter.h"
 
+#include <QLabel>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QSignalSpy>
@@ -70,6 +72,29 @@ class tst_GroupNoteEditor : public QObject
 
 private Q_SLOTS:
     void initTestCase() { registerPluginTheme(); }
+    void theCreatorSetsTheDeadlineThroughThePicker()
+    {
+        Scene scene;
+        const QString msgID = scene.post(1);
+        Phone alice(scene, "alice", msgID);
+        QTRY_COMPARE(alice.rowCount(), 1);
+        QTest::mouseClick(alice.editor->menuView()->findChildren<QPushButton *>().at(1), Qt::LeftButton);
+        platform::TableViewCell *deadlineRow = alice.editor->settingView()->tableView()->cellForRow({ 0, 1 });
+        QVERIFY(deadlineRow);
+        QTest::mouseClick(deadlineRow, Qt::LeftButton);
+
+        // The picker opens at the next whole minute (22:14 UTC on the test clock); three turns
+        // of the minute wheel pick 22:17, which the rows show at once in the device's zone.
+        QWidget *minutes = nullptr;
+        QTRY_VERIFY((minutes = QApplication::activeWindow()->findChild<QWidget *>(QStringLiteral("minuteWheel"))));
+        for (int turn = 0; turn < 3; ++turn)
+            QTest::keyClick(minutes, Qt::Key_Down);
+        const QDateTime picked(QDate(2023, 11, 14), QTime(22, 17), Qt::UTC);
+        QTRY_COMPARE(alice.editor->dataProvider()->info()->setting()->deadlineTimestampInMS(),
+            double(picked.toMSecsSinceEpoch()));
+        deadlineRow = alice.editor->settingView()->tableView()->cellForRow({ 0, 1 });
+        QCOMPARE(deadlineRow->findChild<QLabel *>(QStringLiteral("valueLabel"))->text(), QStringLiteral("2023-11-15 06:17"));
+    }
     void joiningFromATipsRowTellsTheNotesGroup()
     {
         Scene scene;
