@@ -170,7 +170,17 @@ void ZIQGroupNoteViewController::setUpViews()
     table->setDataSource(this);
     table->setDelegate(this);
     m_keyboardAvoider = new ZIQGroupNoteKeyboardAvoider(view(), m_contentView, this);
+    // A fresh read of the note (another screen of this note sent) rebuilds the provider's rows;
+    // the pages show them at once rather than a table that no longer matches its rows.
+    connect(m_dataProvider, &ZIQGroupNoteDataProvider::noteUpdated, this, &ZIQGroupNoteViewController::refreshPages);
     updateViews();
+}
+
+void ZIQGroupNoteViewController::refreshPages()
+{
+    updateViews();
+    m_contentView->refreshWithCreateNew(m_isCreateNew);
+    m_settingView->refreshWithSettings(m_dataProvider->info()->setting());
 }
 
 void ZIQGroupNoteViewController::updateViews()
@@ -188,11 +198,8 @@ void ZIQGroupNoteViewController::refreshByNewestStatistics()
 {
     QPointer<ZIQGroupNoteViewController> self(this);
     m_dataProvider->getNoteStatistics([self](int code, const QString &, const ZIQGroupNoteInfoPtr &) {
-        if (!self || code != 0)
-            return;
-        self->updateViews();
-        self->m_contentView->refreshWithCreateNew(self->m_isCreateNew);
-        self->m_settingView->refreshWithSettings(self->m_dataProvider->info()->setting());
+        if (self && code == 0)
+            self->refreshPages();
     });
     m_dataProvider->refreshCreatorInfoWithCompletion([self](int code, const QString &) {
         if (self && code == 0)

@@ -85,6 +85,8 @@ private:
     void setUpNavigationBar();
     void setUpViews();
     void updateViews();
+    /// Every page shows the note as the provider now holds it.
+    void refreshPages();
     void switchViewsToHidden(bool hidden);
     void refreshByNewestStatistics();
     /// The note takes one entry per member and this member already has one.

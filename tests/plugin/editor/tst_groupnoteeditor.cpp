@@ -72,6 +72,22 @@ class tst_GroupNoteEditor : public QObject
 
 private Q_SLOTS:
     void initTestCase() { registerPluginTheme(); }
+    void anOpenEditorFollowsAnotherScreensSend()
+    {
+        Scene scene;
+        const QString msgID = scene.post(1);
+        Phone carol(scene, "carol", msgID);
+        Phone bob(scene, "bob", msgID);
+        QTRY_COMPARE(carol.rowCount(), 1);
+        QTRY_COMPARE(bob.rowCount(), 1);
+        QTest::mouseClick(bob.addButton(), Qt::LeftButton);
+        QTest::mouseClick(bob.editor->submitButton(), Qt::LeftButton);
+        QTRY_VERIFY((scene.clock.advance(500), bob.navigation.topViewController() == bob.root));
+
+        QTRY_COMPARE(carol.rowCount(), 2);
+        QTRY_VERIFY(carol.row(1));
+        QCOMPARE(carol.row(1)->textField()->text(), scene.stored(msgID).constLast());
+    }
     void theCreatorSetsTheDeadlineThroughThePicker()
     {
         Scene scene;
