@@ -46,7 +46,7 @@ NavigationBar::NavigationBar(QWidget *parent)
     // A phone's back button is bare text beside a chevron: no frame, not even under a pointer.
     m_backButton->setAttribute(Qt::WA_Hover, false);
     m_backButton->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; }"));
-    m_backButton->setFocusPolicy(Qt::NoFocus);
+    m_backButton->setFocusPolicy(Qt::TabFocus);
     m_backButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_backButton->setIconSize(ChevronSize);
     m_backButton->hide();

@@ -94,8 +94,9 @@ void ZIQGroupNoteContentView::buildAddButton()
 {
     m_addButton = new QPushButton(this);
     m_addButton->setObjectName(QStringLiteral("addButton"));
-    // A tap on a phone's button leaves the focus (and the keyboard) where it was.
-    m_addButton->setFocusPolicy(Qt::NoFocus);
+    // A tap on a phone's button leaves the focus (and the keyboard) where it was; the keyboard's
+    // Tab still reaches it.
+    m_addButton->setFocusPolicy(Qt::TabFocus);
     m_addButton->setAccessibleName(Style::localized("ZIQGroupNoteFillIn"));
     m_addButton->setIconSize(QSize(34, 34));
     m_addButton->setStyleSheet(QStringLiteral("QPushButton { border: none; background: transparent; }"));

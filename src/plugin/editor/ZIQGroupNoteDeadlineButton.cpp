@@ -20,8 +20,9 @@ ZIQGroupNoteDeadlineButton::ZIQGroupNoteDeadlineButton(QWidget *parent)
     : QPushButton(parent)
 {
     setObjectName(QStringLiteral("deadlineButton"));
-    // A tap on a phone's button leaves the focus (and the keyboard) where it was.
-    setFocusPolicy(Qt::NoFocus);
+    // A tap on a phone's button leaves the focus (and the keyboard) where it was; the keyboard's
+    // Tab still reaches it.
+    setFocusPolicy(Qt::TabFocus);
     setFont(platform::SystemFont::regular(FontSize));
     ZIQTheme::bind(this, [this] { applyTheme(); });
 }

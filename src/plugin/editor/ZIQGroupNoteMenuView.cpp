@@ -19,7 +19,7 @@ QPushButton *makeTab(const QString &name, const char *titleKey, QWidget *parent)
 {
     auto *button = new QPushButton(Style::localized(titleKey), parent);
     button->setObjectName(name);
-    button->setFocusPolicy(Qt::NoFocus);
+    button->setFocusPolicy(Qt::TabFocus);
     button->setStyleSheet(QStringLiteral("QPushButton { border: none; background: transparent; }"));
     return button;
 }

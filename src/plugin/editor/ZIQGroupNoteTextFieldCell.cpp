@@ -69,7 +69,7 @@ ZIQGroupNoteTextFieldCell::ZIQGroupNoteTextFieldCell(const QString &reuseIdentif
 
     m_repeatButton->setObjectName(QStringLiteral("repeatButton"));
     m_repeatButton->setAccessibleName(tr("Repeat entry"));
-    m_repeatButton->setFocusPolicy(Qt::NoFocus);
+    m_repeatButton->setFocusPolicy(Qt::TabFocus);
     m_repeatButton->setIconSize(QSize(RepeatButtonSide, RepeatButtonSide));
     m_repeatButton->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; padding: 0; }"));
     connect(m_repeatButton, &QToolButton::clicked, this,

@@ -88,6 +88,28 @@ private Q_SLOTS:
         QTRY_VERIFY(carol.row(1));
         QCOMPARE(carol.row(1)->textField()->text(), scene.stored(msgID).constLast());
     }
+    void aNoteCanBeComposedAndSentFromTheKeyboard()
+    {
+        Scene scene;
+        Phone alice(scene, "alice");
+        QWidget *window = alice.navigation.view();
+        const auto tabTo = [&](QWidget *target) {
+            for (int presses = 0; presses < 12 && QApplication::focusWidget() != target; ++presses)
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            return QApplication::focusWidget() == target;
+        };
+        alice.editor->contentView()->infoTextFields().at(0)->setFocus();
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("Rota"));
+        QVERIFY(tabTo(alice.addButton()));
+        QTest::keyClick(alice.addButton(), Qt::Key_Space);
+        QTRY_VERIFY((scene.clock.advance(50), alice.row(0) && alice.row(0)->textField()->hasFocus()));
+        QTest::keyClicks(alice.row(0)->textField(), QStringLiteral("first shift"));
+        QTest::keyClick(alice.row(0)->textField(), Qt::Key_Return);
+        window->setFocus();
+        QVERIFY(tabTo(alice.editor->submitButton()));
+        QTest::keyClick(alice.editor->submitButton(), Qt::Key_Space);
+        QTRY_VERIFY((scene.clock.advance(500), alice.navigation.topViewController() == alice.root));
+    }
     void theCreatorSetsTheDeadlineThroughThePicker()
     {
         Scene scene;
