@@ -12,7 +12,6 @@
 #include "kit/common/ZIQConfig.h"
 #include "kit/common/ZIQRTL.h"
 #include "kit/common/ZIQTheme.h"
-#include "kit/common/ZIQTool.h"
 #include "platform/ImageView.h"
 #include "platform/Keyboard.h"
 #include "platform/MainQueue.h"
@@ -29,7 +28,6 @@ using Style = ZIQGroupNoteEditorStyle;
 
 namespace {
 
-constexpr double ToastSeconds = 3.0;
 constexpr int InfoLabelHeight = 22;
 constexpr int InfoLabelLeading = 26;
 constexpr int ExampleFieldLeading = 46;
@@ -204,12 +202,8 @@ void ZIQGroupNoteContentView::textFieldEditChanged(platform::TextField *field)
     else
         return;
     // Over-long text stays in the field for the user to shorten; the note keeps its last value.
-    if (field->text().size() > MaxTextLength) {
-        ZIQTool::makeToast(
-            Style::localized("ZIQGroupNoteTextFieldExceedLimit"), ToastSeconds, ZIQCSToastPositionCenter);
-        return;
-    }
-    performSelectorOnVC(action, field);
+    if (Style::acceptsText(field->text()))
+        performSelectorOnVC(action, field);
 }
 
 void ZIQGroupNoteContentView::onAddButtonClicked()

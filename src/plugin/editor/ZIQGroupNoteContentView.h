@@ -29,8 +29,6 @@ class ZIQGroupNoteContentView : public QWidget
     Q_OBJECT
 
 public:
-    /// Longest title, description or example the page passes on, in UTF-16 units.
-    static constexpr int MaxTextLength = 50;
     /// Delay before a new or reloaded last row is scrolled into view.
     static constexpr int ScrollDelayMs = 300;
 

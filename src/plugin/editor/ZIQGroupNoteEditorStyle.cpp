@@ -3,6 +3,7 @@
 #include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQRTL.h"
 #include "kit/common/ZIQTheme.h"
+#include "kit/common/ZIQTool.h"
 #include "platform/SystemFont.h"
 #include "platform/TextField.h"
 #include "plugin/service/ZIQGroupNoteDefines.h"
@@ -17,6 +18,19 @@ QColor ZIQGroupNoteEditorStyle::color(const char *key, const char *defaultHex)
 QString ZIQGroupNoteEditorStyle::localized(const char *key)
 {
     return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
+}
+
+void ZIQGroupNoteEditorStyle::toast(const char *key)
+{
+    ZIQTool::makeToast(localized(key), 3.0, ZIQToastPosition::Center);
+}
+
+bool ZIQGroupNoteEditorStyle::acceptsText(const QString &text)
+{
+    if (text.size() <= MaxTextLength)
+        return true;
+    toast("ZIQGroupNoteTextFieldExceedLimit");
+    return false;
 }
 
 void ZIQGroupNoteEditorStyle::setTextColor(QWidget *widget, const QColor &color)

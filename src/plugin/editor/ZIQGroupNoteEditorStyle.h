@@ -14,6 +14,13 @@ class TextField;
 class ZIQGroupNoteEditorStyle
 {
 public:
+    /// The longest text, in UTF-16 units, a field of the editor hands on to the note.
+    static constexpr int MaxTextLength = 50;
+
+    /// Shows the kit's text for `key` as a centred toast for three seconds.
+    static void toast(const char *key);
+    /// Whether `text` fits the editor's limit; when it does not, says so in a toast.
+    static bool acceptsText(const QString &text);
     /// The plug-in theme's colour for `key`, else `defaultHex`.
     static QColor color(const char *key, const char *defaultHex);
     /// The kit's text for `key` in the current language.

@@ -1,28 +1,19 @@
 #include "plugin/editor/ZIQGroupNoteSettingView.h"
 
-#include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQTheme.h"
 #include "platform/Screen.h"
 #include "platform/TableView.h"
+#include "plugin/editor/ZIQGroupNoteDeadlineButton.h"
+#include "plugin/editor/ZIQGroupNoteEditorStyle.h"
 #include "plugin/editor/ZIQGroupNoteSwitchCell.h"
 #include "plugin/editor/ZIQGroupNoteSwitchCellData.h"
 #include "plugin/editor/ZIQGroupNoteTextCell.h"
 #include "plugin/editor/ZIQGroupNoteTextCellData.h"
-#include "plugin/picker/ZIQBRDateHelpers.h"
-#include "plugin/service/ZIQGroupNoteDefines.h"
 
 namespace {
 
 const QString TextCellIdentifier = QStringLiteral("textCell");
 const QString SwitchCellIdentifier = QStringLiteral("switchCell");
-// "YYYY" is the week-based year: the deadline row has always shown it, and members compare
-// it with what earlier versions showed.
-const QString DeadlinePattern = QStringLiteral("YYYY-MM-dd HH:mm");
-
-QString localized(const char *key)
-{
-    return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
-}
 
 } // namespace
 
@@ -32,13 +23,9 @@ ZIQGroupNoteSettingView::ZIQGroupNoteSettingView(const ZIQGroupNoteSettingPtr &s
     , m_setting(setting)
 {
     setObjectName(QStringLiteral("settingView"));
-    setAutoFillBackground(true);
     ZIQTheme::bind(this, [this] {
-        QPalette pal = palette();
-        pal.setColor(QPalette::Window,
-            ZIQTheme::dynamicColor(
-                QStringLiteral("group_note_create_bg_color"), ZIQGroupNoteThemeModule, QStringLiteral("#FFFFFF")));
-        setPalette(pal);
+        ZIQGroupNoteEditorStyle::setBackgroundColor(
+            this, ZIQGroupNoteEditorStyle::color("group_note_create_bg_color", "#FFFFFF"));
     });
 
     m_tableView->setObjectName(QStringLiteral("settingTableView"));
@@ -83,8 +70,8 @@ QString ZIQGroupNoteSettingView::deadlineDateStr() const
 {
     if (!m_setting)
         return QString();
-    const auto deadline = QDateTime::fromMSecsSinceEpoch(qint64(m_setting->deadlineTimestampInMS()), Qt::UTC);
-    return ZIQ_br_stringFromDate(deadline, DeadlinePattern);
+    // The chip on the note page shows the same text.
+    return ZIQGroupNoteDeadlineButton::dateStringFromTimestamp(m_setting->deadlineTimestampInMS());
 }
 
 int ZIQGroupNoteSettingView::numberOfRows(platform::TableView *, int) const
@@ -121,7 +108,7 @@ void ZIQGroupNoteSettingView::resizeEvent(QResizeEvent *event)
 ZIQCommonCellDataPtr ZIQGroupNoteSettingView::switchRow(const char *titleKey, const QByteArray &action, bool on) const
 {
     auto row = std::make_shared<ZIQGroupNoteSwitchCellData>();
-    row->setTitle(localized(titleKey));
+    row->setTitle(ZIQGroupNoteEditorStyle::localized(titleKey));
     row->setCswitchSelector(action);
     row->setOn(on);
     return row;
@@ -130,10 +117,10 @@ ZIQCommonCellDataPtr ZIQGroupNoteSettingView::switchRow(const char *titleKey, co
 ZIQCommonCellDataPtr ZIQGroupNoteSettingView::deadlineRow() const
 {
     auto row = std::make_shared<ZIQGroupNoteTextCellData>();
-    row->setKey(localized("ZIQGroupNoteDeadlineSettings"));
+    row->setKey(ZIQGroupNoteEditorStyle::localized("ZIQGroupNoteDeadlineSettings"));
     row->setShowAccessory(true);
     row->setCselector(QByteArrayLiteral("onEditDeadline"));
     const bool hasDeadline = m_setting && m_setting->deadlineTimestampInMS() > 0;
-    row->setValue(hasDeadline ? deadlineDateStr() : localized("ZIQGroupNoteDeadlineNotSet"));
+    row->setValue(hasDeadline ? deadlineDateStr() : ZIQGroupNoteEditorStyle::localized("ZIQGroupNoteDeadlineNotSet"));
     return row;
 }

@@ -1,10 +1,9 @@
 #include "plugin/editor/ZIQGroupNoteTextFieldCell.h"
 
-#include "kit/common/ZIQGlobalization.h"
+#include "plugin/editor/ZIQGroupNoteEditorStyle.h"
 #include "kit/common/ZIQLogin.h"
 #include "kit/common/ZIQRTL.h"
 #include "kit/common/ZIQTheme.h"
-#include "kit/common/ZIQTool.h"
 #include "platform/MainQueue.h"
 #include "platform/SystemFont.h"
 #include "platform/TextField.h"
@@ -59,7 +58,7 @@ ZIQGroupNoteTextFieldCell::ZIQGroupNoteTextFieldCell(const QString &reuseIdentif
 
     m_textField->setObjectName(QStringLiteral("textField"));
     m_textField->setCornerRadius(8);
-    m_textField->setPlaceholderText(ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteFillIn")));
+    m_textField->setPlaceholderText(ZIQGroupNoteEditorStyle::localized("ZIQGroupNoteFillIn"));
     m_textField->setPlaceholderFont(platform::SystemFont::regular(FontSize));
     m_textField->setTextAlignment(
         getRTLOption() ? platform::TextField::Alignment::Right : platform::TextField::Alignment::Left);
@@ -140,12 +139,8 @@ void ZIQGroupNoteTextFieldCell::textEdited(const QString &text)
         return;
     // The field keeps showing a longer text, but the entry only ever holds the last text that
     // fitted, so nothing over the limit can be submitted.
-    if (text.size() > MaxContentLength) {
-        ZIQTool::makeToast(
-            ZIQGlobalization::getLocalizedStringForKey(QStringLiteral("ZIQGroupNoteTextFieldExceedLimit")), 3.0,
-            ZIQToastPosition::Center);
+    if (!ZIQGroupNoteEditorStyle::acceptsText(text))
         return;
-    }
     m_cellData->item()->setContent(text);
     reportWithData(m_cellData->onEditItemSelector());
 }

@@ -19,9 +19,6 @@ class ZIQGroupNoteTextFieldCell : public ZIQCommonTableViewCell
     Q_OBJECT
 
 public:
-    /// The longest entry text, in UTF-16 units, that the field hands on to the entry.
-    static constexpr int MaxContentLength = 50;
-
     explicit ZIQGroupNoteTextFieldCell(const QString &reuseIdentifier = {}, QWidget *parent = nullptr);
 
     /// Shows a ZIQGroupNoteTextFieldCellData; other data leaves the row as it was.

@@ -2,18 +2,17 @@
 #include "plugin/editor/ZIQGroupNoteViewController.h"
 
 #include "plugin/editor/ZIQGroupNoteContentView.h"
+#include "plugin/editor/ZIQGroupNoteEditorStyle.h"
 #include "plugin/editor/ZIQGroupNoteKeyboardAvoider.h"
 #include "plugin/editor/ZIQGroupNoteMenuView.h"
 #include "plugin/editor/ZIQGroupNoteSettingView.h"
 #include "plugin/editor/ZIQGroupNoteTextFieldCell.h"
 #include "plugin/picker/ZIQBRDateHelpers.h"
 #include "plugin/picker/ZIQBRDatePickerView.h"
-#include "plugin/service/ZIQGroupNoteDefines.h"
 
 #include "kit/common/ZIQCommonSwitchCell.h"
 #include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQTheme.h"
-#include "kit/common/ZIQTool.h"
 #include "platform/Keyboard.h"
 #include "platform/MainQueue.h"
 #include "platform/NavigationController.h"
@@ -25,22 +24,14 @@
 
 #include <QPushButton>
 
+using Style = ZIQGroupNoteEditorStyle;
+
 namespace {
 
 const QString ItemCellIdentifier = QStringLiteral("itemCell");
 constexpr int MenuHeight = 50;
 constexpr int SettingHeight = 150;
 constexpr qreal EntryRowHeight = 58;
-
-QString localized(const char *key)
-{
-    return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
-}
-
-void toast(const char *key)
-{
-    ZIQTool::makeToast(localized(key), 3.0, ZIQToastPosition::Center);
-}
 
 /// A tap on the screen beside its fields ends editing.
 class EndEditingOnTap : public QObject
@@ -126,18 +117,16 @@ void ZIQGroupNoteViewController::viewDidLoad()
 
 void ZIQGroupNoteViewController::setUpNavigationBar()
 {
-    setTitle(localized("ZIQKitMoreGroupNote"));
+    setTitle(Style::localized("ZIQKitMoreGroupNote"));
     auto *holder = new QWidget;
-    m_submitButton = new QPushButton(localized("ZIQGroupNoteSend"), holder);
+    m_submitButton = new QPushButton(Style::localized("ZIQGroupNoteSend"), holder);
     m_submitButton->setObjectName(QStringLiteral("sendButton"));
     m_submitButton->setGeometry(0, 0, 56, 28);
     m_submitButton->setCursor(Qt::PointingHandCursor);
     holder->setFixedSize(56, 28);
     ZIQTheme::bind(m_submitButton, [button = m_submitButton.data()] {
-        const QColor text = ZIQTheme::dynamicColor(
-            QStringLiteral("group_note_detail_send_text_color"), ZIQGroupNoteThemeModule, QStringLiteral("#FFFFFF"));
-        const QColor background = ZIQTheme::dynamicColor(
-            QStringLiteral("group_note_detail_send_bg_color"), ZIQGroupNoteThemeModule, QStringLiteral("#147AFF"));
+        const QColor text = Style::color("group_note_detail_send_text_color", "#FFFFFF");
+        const QColor background = Style::color("group_note_detail_send_bg_color", "#147AFF");
         button->setStyleSheet(QStringLiteral("QPushButton { border: none; border-radius: 8px; color: %1; background: %2; }"
                                              "QPushButton:disabled { color: %3; }")
                 .arg(text.name(QColor::HexArgb), background.name(QColor::HexArgb),
@@ -150,12 +139,7 @@ void ZIQGroupNoteViewController::setUpNavigationBar()
 void ZIQGroupNoteViewController::setUpViews()
 {
     ZIQTheme::bind(view(), [root = view()] {
-        QPalette palette = root->palette();
-        palette.setColor(QPalette::Window,
-            ZIQTheme::dynamicColor(
-                QStringLiteral("group_note_create_bg_color"), ZIQGroupNoteThemeModule, QStringLiteral("#FFFFFF")));
-        root->setPalette(palette);
-        root->setAutoFillBackground(true);
+        Style::setBackgroundColor(root, Style::color("group_note_create_bg_color", "#FFFFFF"));
     });
     menuView();
     settingView();
@@ -272,7 +256,7 @@ bool ZIQGroupNoteViewController::refusesAnotherEntry() const
 void ZIQGroupNoteViewController::onAddItem(QObject *)
 {
     if (refusesAnotherEntry())
-        return toast("ZIQGroupNoteSubmitOnce");
+        return Style::toast("ZIQGroupNoteSubmitOnce");
     // An entry added after the deadline is refused by the submission, not here.
     m_dataProvider->addNewItem();
     m_contentView->reloadTableViewWithCellCount(m_dataProvider->dataList().size(), true);
@@ -281,9 +265,9 @@ void ZIQGroupNoteViewController::onAddItem(QObject *)
 void ZIQGroupNoteViewController::onRepeatItem(ZIQGroupNoteTextFieldCellData *data)
 {
     if (refusesAnotherEntry())
-        return toast("ZIQGroupNoteSubmitOnce");
+        return Style::toast("ZIQGroupNoteSubmitOnce");
     if (m_dataProvider->info()->isExceedDeadline())
-        return toast("ZIQGroupNoteExceedDeadline");
+        return Style::toast("ZIQGroupNoteExceedDeadline");
     m_dataProvider->repeatItem(data->item());
     m_contentView->reloadTableViewWithCellCount(m_dataProvider->dataList().size(), true);
 }
@@ -359,12 +343,9 @@ void ZIQGroupNoteViewController::showDeadlinePicker()
             self->deadlinePicked(date);
     });
     ZIQBRPickerStyle &style = picker->pickerStyle();
-    style.setPickerColor(ZIQTheme::dynamicColor(
-        QStringLiteral("group_note_date_picker_bg_color"), ZIQGroupNoteThemeModule, QStringLiteral("#FFFFFF")));
-    style.setPickerTextColor(ZIQTheme::dynamicColor(
-        QStringLiteral("group_note_date_picker_text_color"), ZIQGroupNoteThemeModule, QStringLiteral("#000000")));
-    style.setSeparatorColor(ZIQTheme::dynamicColor(
-        QStringLiteral("group_note_date_picker_seperator_color"), ZIQGroupNoteThemeModule, QStringLiteral("DDDDDD")));
+    style.setPickerColor(Style::color("group_note_date_picker_bg_color", "#FFFFFF"));
+    style.setPickerTextColor(Style::color("group_note_date_picker_text_color", "#000000"));
+    style.setSeparatorColor(Style::color("group_note_date_picker_seperator_color", "DDDDDD"));
     style.setLanguage(applicationLanguage());
     picker->show();
 }
@@ -405,8 +386,8 @@ void ZIQGroupNoteViewController::submitFinished(int code, const QString &desc)
 {
     // The note message went out and only its entries failed to be written: that counts as sent.
     if (code != 0 && desc != QLatin1String("ZIQGroupNote_Set_Message_Extension_Fail_Desc"))
-        return toast("ZIQGroupNoteSendFail");
-    toast("ZIQGroupNoteSendSucceed");
+        return Style::toast("ZIQGroupNoteSendFail");
+    Style::toast("ZIQGroupNoteSendSucceed");
     const QString msgID = m_dataProvider->originMessageID();
     if (platform::NavigationController *navigation = navigationController())
         navigation->popViewControllerAnimated(true);
