@@ -1,7 +1,7 @@
 #include "plugin/chat/ZIQGroupNoteContainerCell.h"
 
 #include "kit/chat/ZIQBubbleView.h"
-#include "plugin/chat/ZIQGroupNoteColors.h"
+#include "plugin/service/ZIQGroupNoteColors.h"
 #include "plugin/chat/ZIQGroupNotePreviewViewController.h"
 #include "plugin/model/ZIQGroupNoteInfo.h"
 #include "plugin/model/ZIQGroupNoteMessageBody.h"

@@ -4,7 +4,7 @@
 #include "kit/common/ZIQThemeManager.h"
 #include "platform/SystemFont.h"
 #include "platform/TextMeasure.h"
-#include "plugin/chat/ZIQGroupNoteColors.h"
+#include "plugin/service/ZIQGroupNoteColors.h"
 
 #include <QLabel>
 #include <cmath>

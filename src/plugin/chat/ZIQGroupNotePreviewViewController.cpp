@@ -9,7 +9,7 @@
 #include "platform/SystemFont.h"
 #include "platform/TableView.h"
 #include "platform/TextMeasure.h"
-#include "plugin/chat/ZIQGroupNoteColors.h"
+#include "plugin/service/ZIQGroupNoteColors.h"
 #include "plugin/chat/ZIQGroupNoteContainerCell.h"
 #include "plugin/chat/ZIQGroupNotePreviewCell.h"
 #include "plugin/editor/ZIQGroupNoteViewController.h"

@@ -6,13 +6,13 @@
 #include "kit/common/ZIQTool.h"
 #include "platform/SystemFont.h"
 #include "platform/TextField.h"
-#include "plugin/service/ZIQGroupNoteDefines.h"
+#include "plugin/service/ZIQGroupNoteColors.h"
 
 #include <QWidget>
 
 QColor ZIQGroupNoteEditorStyle::color(const char *key, const char *defaultHex)
 {
-    return ZIQTheme::dynamicColor(QString::fromLatin1(key), ZIQGroupNoteThemeModule, QString::fromLatin1(defaultHex));
+    return ZIQGroupNoteColors::color(key, defaultHex);
 }
 
 QString ZIQGroupNoteEditorStyle::localized(const char *key)
@@ -44,10 +44,7 @@ void ZIQGroupNoteEditorStyle::setTextColor(QWidget *widget, const QColor &color)
 
 void ZIQGroupNoteEditorStyle::setBackgroundColor(QWidget *widget, const QColor &color)
 {
-    widget->setAutoFillBackground(true);
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::Window, color);
-    widget->setPalette(palette);
+    ZIQGroupNoteColors::fillBackground(widget, color);
 }
 
 platform::TextField *ZIQGroupNoteEditorStyle::textField(

@@ -1,5 +1,5 @@
-// Colours of the note's chat views by theme key: the plug-in's theme module answers, else the
-// default written beside each key.
+// Colours of the note's views by theme key: the plug-in's theme module answers, else the default
+// written beside each key.
 #pragma once
 
 #include "kit/chat/ZIQChatColors.h"
