@@ -1,18 +1,25 @@
 // The plug-in's start-up over real clients: the version record reaches the messaging client's
-// log at once or after the next login, the two message kinds reach the chat service in order,
-// the theme files are found, and bundles are looked up in the program, beside it, then in the
-// module's framework folder, each cache keeping its answer.
+// log at once or after the next login, the theme files are found, and bundles are looked up in the program, beside it,
+// then in the module's framework folder, each cache keeping its answer. Its "group note" item of the chat's "more"
+// panel: offered in group chats of the classic style only, unless the host filters it; reading the host's parameters by
+// type; and a tap that puts the input bar away and, given a navigation stack, opens the editor for a new note there.
 #include "support/GroupFixture.h"
 
-#include "kit/chat/ZIQChatService.h"
+#include "kit/chat/ZIQBaseChatViewController.h"
+#include "kit/chat/ZIQChatInputController.h"
+#include "kit/chat/ZIQChatInputMoreItems.h"
+#include "kit/common/ZIQGlobalization.h"
 #include "kit/common/ZIQLogin.h"
 #include "kit/common/ZIQThemeManager.h"
 #include "kit/core/ZIQCore.h"
 #include "kit/core/ZIQCoreDefines.h"
-#include "kit/core/ZIQServiceProtocol.h"
-#include "platform/NotificationCenter.h"
+#include "platform/NavigationController.h"
+#include "platform/Screen.h"
+#include "platform/TextField.h"
+#include "plugin/editor/ZIQGroupNoteViewController.h"
 #include "plugin/service/ZIQGroupNoteBundle.h"
 #include "plugin/service/ZIQGroupNoteDefines.h"
+#include "plugin/service/ZIQGroupNoteExtensionObserver.h"
 #include "plugin/service/ZIQGroupNoteService.h"
 
 #include <QDir>
@@ -24,27 +31,21 @@
 
 namespace {
 
-/// Stands in for the chat module's service and keeps every call it gets.
-struct RecordingChatService : ZIQServiceProtocol
-{
-    RecordingChatService() { ZIQCore::registerService(ZIQCore_ZIQChatService, this); }
-    ~RecordingChatService() override { ZIQChatService::registerInCore(); }
-    QVariant onCall(const QString &method, const QVariantMap &param) override
-    {
-        calls.append({ method, param });
-        return {};
-    }
-    QList<QPair<QString, QVariantMap>> calls;
-};
-
-QVariantMap kind(const char *businessID, const char *cell, const char *data)
-{
-    return { { "businessID", businessID }, { "TMessageCell_Name", cell }, { "TMessageCell_Data_Name", data } };
-}
-
 QString programDir()
 {
     return QCoreApplication::applicationDirPath();
+}
+
+const QString GroupID = QStringLiteral("group-1");
+
+QVariantMap groupChat(const QVariantMap &overrides = {})
+{
+    QVariantMap param {
+        { ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID, GroupID },
+        { ZIQCore_ZIQChatExtension_InputViewMoreItem_FilterGroupNote, false },
+    };
+    param.insert(overrides);
+    return param;
 }
 
 } // namespace
@@ -54,7 +55,12 @@ class TestGroupNoteService : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { ZIQChatService::registerInCore(); }
+    void initTestCase()
+    {
+        ZIQGlobalization::setPreferredLanguage(QStringLiteral("en"));
+        ZIQBaseChatViewController::registerKitCells();
+        ZIQGroupNoteExtensionObserver::load();
+    }
 
     void cleanup()
     {
@@ -63,36 +69,25 @@ private Q_SLOTS:
     }
 
     // Runs first: the single service is created by this load.
-    void versionRecordWaitsForTheFirstLogin()
+    void versionRecordWaitsForALogin()
     {
         GroupFixture group;
-        V2VORManager loggedOut(group.server());
-        V2VORManager::setSharedInstance(&loggedOut);
+        V2VORManager client(group.server());
+        V2VORManager::setSharedInstance(&client);
         ZIQGroupNoteService::load();
         QCoreApplication::processEvents();
-        QVERIFY(loggedOut.writtenLogs().isEmpty());
+        QVERIFY(client.writtenLogs().isEmpty());
 
         QTest::ignoreMessage(QtInfoMsg, "success");
         bool loggedIn = false;
         ZIQLogin::login(QStringLiteral("alice"), [&] { loggedIn = true; }, {});
         QTRY_VERIFY(loggedIn);
-        QCOMPARE(loggedOut.writtenLogs().size(), 1);
-        QCoreApplication::processEvents();
-        V2VORManager::setSharedInstance(nullptr);
-    }
-
-    void versionRecordIsWrittenAtOnceWhenLoggedIn()
-    {
-        GroupFixture group;
-        group.actAs(QStringLiteral("bob"));
-        V2VORManager *client = group.client(QStringLiteral("bob"));
+        QCOMPARE(client.writtenLogs().size(), 1);
+        // Loaded while logged in, it writes at once.
         ZIQGroupNoteService::load();
-        QCOMPARE(client->writtenLogs().size(), 1);
-        // Every later login writes it again.
-        platform::NotificationCenter::defaultCenter().post(ZIQLoginSuccessNotification);
-        QCOMPARE(client->writtenLogs().size(), 2);
+        QCOMPARE(client.writtenLogs().size(), 2);
 
-        const QString record = client->writtenLogs().last();
+        const QString record = client.writtenLogs().last();
         QVERIFY2(record.contains("\n    \""), qPrintable(record)); // pretty-printed
         QJsonObject written = QJsonDocument::fromJson(record.toUtf8()).object();
         const QString content = written.take("logContent").toString();
@@ -103,8 +98,8 @@ private Q_SLOTS:
             { "funcName", "logPluginVersion" }, { "lineNumber", 100 } };
         QCOMPARE(written, expected);
         QTest::ignoreMessage(QtInfoMsg, "success");
-        QTest::ignoreMessage(QtInfoMsg, "success");
         QCoreApplication::processEvents();
+        V2VORManager::setSharedInstance(nullptr);
     }
 
     void aRefusedWriteIsOnlyLogged()
@@ -116,19 +111,6 @@ private Q_SLOTS:
         ZIQGroupNoteService::logPluginVersion();
         QVERIFY(group.client(QStringLiteral("carol"))->writtenLogs().isEmpty());
         QCoreApplication::processEvents();
-    }
-
-    void bothMessageKindsReachTheChatServiceNoteFirst()
-    {
-        RecordingChatService chat;
-        ZIQGroupNoteService::sharedInstance()->registerCustomMessageCell();
-        const QList<QPair<QString, QVariantMap>> expected {
-            { ZIQCore_ZIQChatService_AppendCustomMessageMethod,
-                kind("group_note", "ZIQGroupNoteContainerCell", "ZIQGroupNoteContainerCellData") },
-            { ZIQCore_ZIQChatService_AppendCustomMessageMethod,
-                kind("group_note_tips", "ZIQGroupNoteTipsCell", "ZIQGroupNoteTipsCellData") },
-        };
-        QCOMPARE(chat.calls, expected);
     }
 
     void theThemeFilesAreRegisteredForThePluginModule()
@@ -147,16 +129,9 @@ private Q_SLOTS:
         };
         const char *const plugin = "ZIQGroupNoteService";
         row("compiled in", "ZIQGroupNote", plugin, ":/ZIQGroupNote.bundle");
-        row("the common bundle", "VORCommon", "VORConfig", ":/VORCommon.bundle");
         row("beside the program", "ServiceTestBeside", plugin, "@/ServiceTestBeside.bundle");
         row("a file is no bundle", "ServiceTestFile", plugin,
             "@/Frameworks/ZIQGroupNotePlugin.framework/ServiceTestFile.bundle");
-        row("plug-in framework", "ServiceTestNowhere", plugin,
-            "@/Frameworks/ZIQGroupNotePlugin.framework/ServiceTestNowhere.bundle");
-        row("common framework", "ServiceTestNowhere", "VORConfig",
-            "@/Frameworks/VORCommon.framework/ServiceTestNowhere.bundle");
-        row("module not in the table", "ServiceTestNowhere", "NoSuchService",
-            "@/Frameworks/.framework/ServiceTestNowhere.bundle");
     }
 
     void bundleLookup()
@@ -183,6 +158,89 @@ private Q_SLOTS:
         ZIQGroupNoteBundle::PathCache fresh;
         QCOMPARE(ZIQGroupNoteBundle::bundlePath(fresh, "ServiceTestBeside", "VORConfig"),
             programDir() + "/Frameworks/VORCommon.framework/ServiceTestBeside.bundle");
+    }
+
+    void offeredOnlyInClassicGroupChats_data()
+    {
+        QTest::addColumn<QString>("extensionID");
+        QTest::addColumn<QVariantMap>("param");
+        QTest::addColumn<bool>("offered");
+        const QString classic = ZIQCore_ZIQChatExtension_InputViewMoreItem_ClassicExtensionID;
+        const QString groupKey = ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID;
+        const QString filterKey = ZIQCore_ZIQChatExtension_InputViewMoreItem_FilterGroupNote;
+        QTest::newRow("group chat") << classic << groupChat() << true;
+        QTest::newRow("one-to-one chat") << classic << groupChat({ { groupKey, QString() } }) << false;
+        QTest::newRow("group ID not a string") << classic << groupChat({ { groupKey, 42 } }) << false;
+        QTest::newRow("filtered by number") << classic << groupChat({ { filterKey, 1 } }) << false;
+        QTest::newRow("filter not a number") << classic << groupChat({ { filterKey, QStringLiteral("1") } }) << true;
+        QTest::newRow("minimalist") << ZIQCore_ZIQChatExtension_InputViewMoreItem_MinimalistExtensionID << groupChat()
+                                    << false;
+    }
+
+    void offeredOnlyInClassicGroupChats()
+    {
+        QFETCH(QString, extensionID);
+        QFETCH(QVariantMap, param);
+        QFETCH(bool, offered);
+        const QList<ZIQExtensionInfo> items = ZIQCore::getExtensionList(extensionID, param);
+        QCOMPARE(items.size(), offered ? 1 : 0);
+        if (offered)
+            QCOMPARE(items.first().text, QStringLiteral("Group Note"));
+    }
+
+    void theIconFallsBackToTheCommonBundlesImage()
+    {
+        ZIQThemeManager *themes = ZIQThemeManager::shareManager();
+        const QString commonTheme = themes->themeResourcePath(ZIQThemeModuleCommon);
+        themes->registerThemeResourcePath(QStringLiteral("/nonexistent/theme"), ZIQThemeModuleCommon);
+        const QList<ZIQExtensionInfo> items = ZIQChatInputMoreItems::getItems({ GroupID });
+        themes->registerThemeResourcePath(commonTheme, ZIQThemeModuleCommon);
+        QCOMPARE(items.size(), 1);
+        QVERIFY(!items.first().icon.pixmap(32, 32).isNull());
+    }
+
+    void aTapPutsTheBarAwayAndOpensTheEditor_data()
+    {
+        QTest::addColumn<bool>("withChat");
+        QTest::addColumn<bool>("withNavigation");
+        QTest::newRow("chat and navigation") << true << true;
+        QTest::newRow("no navigation controller") << true << false;
+        QTest::newRow("navigation only") << false << true;
+    }
+
+    void aTapPutsTheBarAwayAndOpensTheEditor()
+    {
+        QFETCH(bool, withChat);
+        QFETCH(bool, withNavigation);
+        platform::ScreenScope screen({ 375, 812 });
+        GroupFixture group;
+        auto *chat = new ZIQBaseChatViewController({ group.groupID(), {} }, group.client(QStringLiteral("bob")));
+        platform::NavigationController navigation(chat);
+        navigation.view()->resize(375, 812);
+        navigation.view()->show();
+        ZIQChatInputController *input = chat->inputController();
+        input->textField()->setText(QStringLiteral("half a thought"));
+        input->setMorePanelVisible(true);
+        chat->setNeedScrollToBottom(false);
+
+        const QList<ZIQExtensionInfo> items = ZIQChatInputMoreItems::getItems({ group.groupID() });
+        QCOMPARE(items.size(), 1);
+        // A screen of the wrong kind under the chat's key counts as none.
+        QObject stranger;
+        items.first().onClicked({
+            { ZIQCore_ZIQChatExtension_InputViewMoreItem_VC,
+                QVariant::fromValue<QObject *>(withChat ? static_cast<QObject *>(chat) : &stranger) },
+            { ZIQCore_ZIQChatExtension_InputViewMoreItem_PushVC,
+                QVariant::fromValue<QObject *>(withNavigation ? &navigation : nullptr) },
+        });
+
+        QCOMPARE(input->textField()->text().isEmpty(), withChat);
+        QCOMPARE(input->isMorePanelVisible(), !withChat);
+        QCOMPARE(chat->needScrollToBottom(), withChat);
+        auto *editor = qobject_cast<ZIQGroupNoteViewController *>(navigation.topViewController());
+        QCOMPARE(editor != nullptr, withNavigation);
+        if (editor) // a new note of this group
+            QVERIFY(editor->isCreateNew() && editor->groupID() == group.groupID());
     }
 };
 
