@@ -1,5 +1,5 @@
-// A plug-in's message kind as tests register it, a recorder of kit events, and the waits the
-// chat tests share.
+// A plug-in's message kind as tests register it, a recorder of kit events, a "more" panel
+// provider, and the waits the chat tests share.
 #pragma once
 
 #include "kit/chat/ZIQBubbleMessageCellData.h"
@@ -9,6 +9,7 @@
 #include "kit/common/ZIQTool.h"
 #include "kit/core/ZIQCore.h"
 #include "kit/core/ZIQCoreDefines.h"
+#include "kit/core/ZIQExtensionProtocol.h"
 #include "kit/core/ZIQNotifyProtocol.h"
 
 #include <QJsonObject>
@@ -55,6 +56,25 @@ struct EventRecorder : ZIQNotifyProtocol
         events.append({ key + QLatin1Char('/') + subKey, param });
     }
     QList<QPair<QString, QVariantMap>> events;
+};
+
+/// The "more" panel's provider: one item in group chats, none elsewhere; keeps what it was
+/// asked with and what a tap handed over.
+struct MoreProvider : ZIQExtensionProtocol
+{
+    QList<ZIQExtensionInfo> onGetExtension(const QString &, const QVariantMap &param) override
+    {
+        asked = param;
+        if (param.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID).toString().isEmpty())
+            return {};
+        ZIQExtensionInfo item;
+        item.weight = 300;
+        item.text = QStringLiteral("Poll");
+        item.onClicked = [this](const QVariantMap &tapped) { this->tapped = tapped; };
+        return { item };
+    }
+    QVariantMap asked;
+    QVariantMap tapped;
 };
 
 inline QByteArray sheetBody(int lines, const QString &businessID = QStringLiteral("sheet"))

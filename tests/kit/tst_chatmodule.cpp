@@ -6,11 +6,9 @@
 #include "kit/chat/ZIQChatInputMoreItems.h"
 #include "kit/chat/ZIQChatService.h"
 #include "kit/chat/ZIQSystemMessageCellData.h"
-#include "kit/chat/ZIQTextMessageCellData.h"
 #include "kit/chat/ZIQUnsupportedMessageCellData.h"
 #include "kit/core/ZIQCore.h"
 #include "kit/core/ZIQCoreDefines.h"
-#include "kit/core/ZIQExtensionProtocol.h"
 
 #include <QRegularExpression>
 
@@ -25,16 +23,6 @@ V2VORMessagePtr customMessage(const QByteArray &body)
     message->setIsSelf(true);
     return message;
 }
-
-struct MoreItemProvider : ZIQExtensionProtocol
-{
-    QList<ZIQExtensionInfo> onGetExtension(const QString &, const QVariantMap &param) override
-    {
-        lastParam = param;
-        return { { 100, "Poll", {}, {}, {} } };
-    }
-    QVariantMap lastParam;
-};
 
 } // namespace
 
@@ -84,17 +72,6 @@ private Q_SLOTS:
         QCOMPARE(registry.contentSizeOf(data).isValid(), registered);
     }
 
-    void textMessagesAreTheKitsOwnRows()
-    {
-        auto message = std::make_shared<V2VORMessage>();
-        message->setElemType(V2VOR_ELEM_TYPE_TEXT);
-        message->setText("hi <b>");
-        QVERIFY(qobject_cast<ZIQTextMessageCellData *>(
-            ZIQChatClassRegistry::instance().cellDataForMessage(message).get()));
-        QCOMPARE(ZIQChatClassRegistry::instance().displayStringForMessage(message), QStringLiteral("hi <b>"));
-        QVERIFY(ZIQChatClassRegistry::instance().canForwardMessage(message));
-    }
-
     void attributedLinesDrawTheirRunsAsRichText()
     {
         // A tips line: a grey prefix and a blue title.
@@ -118,14 +95,14 @@ private Q_SLOTS:
     // The chat screen asks the classic panel's providers; a minimalist chat asks its own.
     void minimalistMorePanelAsksItsOwnProviders()
     {
-        MoreItemProvider classic, minimalist;
+        MoreProvider classic, minimalist;
         ZIQCore::registerExtension(ZIQCore_ZIQChatExtension_InputViewMoreItem_ClassicExtensionID, &classic);
         ZIQCore::registerExtension(ZIQCore_ZIQChatExtension_InputViewMoreItem_MinimalistExtensionID, &minimalist);
         QObject screen, navigation;
         QCOMPARE(ZIQChatInputMoreItems::getItems({ "group-1", true, true, &screen, &navigation }).size(), 1);
-        QVERIFY(classic.lastParam.isEmpty());
-        QCOMPARE(minimalist.lastParam.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID).toString(), "group-1");
-        QCOMPARE(minimalist.lastParam.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_FilterGroupNote).toBool(), true);
+        QVERIFY(classic.asked.isEmpty());
+        QCOMPARE(minimalist.asked.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_GroupID).toString(), "group-1");
+        QCOMPARE(minimalist.asked.value(ZIQCore_ZIQChatExtension_InputViewMoreItem_FilterGroupNote).toBool(), true);
     }
 };
 

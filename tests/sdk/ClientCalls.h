@@ -14,22 +14,24 @@ inline CallOutcome<> send(V2VORManager *client, const V2VORMessagePtr &message, 
     return sent;
 }
 
-/// The sent message, or null when the send failed or never answered.
+/// The message once sent, or null when the send failed or never answered.
+inline V2VORMessagePtr sent(V2VORManager *client, const V2VORMessagePtr &message, const QString &groupID)
+{
+    const CallOutcome<> outcome = send(client, message, groupID);
+    return outcome.wait() && outcome.code() == 0 ? message : nullptr;
+}
+
 inline V2VORMessagePtr sendToGroup(
     V2VORManager *client, const QString &groupID, const QByteArray &data, bool supportExtension = true)
 {
     V2VORMessagePtr message = client->createCustomMessage(data);
     message->setSupportMessageExtension(supportExtension);
-    const CallOutcome<> sent = send(client, message, groupID);
-    return sent.wait() && sent.code() == 0 ? message : nullptr;
+    return sent(client, message, groupID);
 }
 
-/// The sent text message, or null when the send failed or never answered.
 inline V2VORMessagePtr sendText(V2VORManager *client, const QString &groupID, const QString &text)
 {
-    const V2VORMessagePtr message = client->createTextMessage(text);
-    const CallOutcome<> sent = send(client, message, groupID);
-    return sent.wait() && sent.code() == 0 ? message : nullptr;
+    return sent(client, client->createTextMessage(text), groupID);
 }
 
 /// The client's own copy of a message: null unless it sent, received or fetched it.
