@@ -1,12 +1,9 @@
 // The wheel column: which row the user's drags, taps, wheel turns and keys land on, that only
-// the user's changes are announced, the lines around the selected row at every scale, the fade
-// towards the edges, and how row texts shrink to fit.
+// the user's changes are announced, and how row texts shrink to fit.
 #include "platform/ManualClock.h"
 #include "platform/WheelColumn.h"
 
 #include <QApplication>
-#include <QImage>
-#include <QPixmap>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
@@ -16,17 +13,6 @@ using platform::WheelColumn;
 constexpr int RowHeight = 40; // even, so that a drag can end exactly between two rows
 constexpr int StartRow = 4;
 const QStringList TenRows = { "0", "1", "2", "3", "4", "5", "6", "7", "8", "9" };
-
-/// What `widget` draws on white at a device pixel ratio of `ratio`, as QWidget::grab() gives it
-/// on a screen of that ratio.
-QImage grabAt(QWidget *widget, qreal ratio)
-{
-    QPixmap pixmap(widget->size() * ratio);
-    pixmap.setDevicePixelRatio(ratio);
-    pixmap.fill(Qt::white);
-    widget->render(&pixmap, {}, {}, QWidget::DrawChildren);
-    return pixmap.toImage();
-}
 
 class TestWheelColumn : public QObject
 {
@@ -102,44 +88,6 @@ private Q_SLOTS:
         QCOMPARE(wheel.scrollPosition(), qreal(expectedRow));
         QCOMPARE(wheel.currentRow(), expectedRow);
         QCOMPARE(spy.count(), expectedRow == StartRow ? 0 : 1);
-    }
-
-    void separatorsCoverWholeDevicePixels_data()
-    {
-        QTest::addColumn<int>("rowHeight");
-        QTest::addColumn<qreal>("ratio");
-        QTest::addColumn<qreal>("lineHeight");
-        QTest::addColumn<int>("thickness"); // in device pixels
-        QTest::newRow("hairline at 1x") << 36 << 1.0 << 0.0 << 1;
-        QTest::newRow("hairline at 3x") << 35 << 3.0 << 0.0 << 2;
-        QTest::newRow("1.5-point lines at 3x") << 35 << 3.0 << 1.5 << 5;
-        QTest::newRow("1-point lines at 2x") << 37 << 2.0 << 1.0 << 2;
-    }
-
-    void separatorsCoverWholeDevicePixels()
-    {
-        QFETCH(int, rowHeight);
-        QFETCH(qreal, ratio);
-        QFETCH(qreal, lineHeight);
-        QFETCH(int, thickness);
-        WheelColumn wheel;
-        // An odd height puts the centre line between two pixels.
-        wheel.resize(60, 215);
-        wheel.setRowHeight(rowHeight);
-        wheel.setSelectedRowColor(Qt::transparent);
-        wheel.setSeparator(Qt::red, lineHeight);
-        const QImage image = grabAt(&wheel, ratio);
-
-        QList<int> redRows;
-        for (int y = 0; y < image.height(); ++y) {
-            if (image.pixelColor(image.width() / 2, y) == QColor(Qt::red))
-                redRows.append(y);
-        }
-        const qreal top = (215 - rowHeight) / 2.0 * ratio;
-        QCOMPARE(redRows.size(), 2 * thickness);
-        QVERIFY2(std::abs(redRows.first() + thickness / 2.0 - top) <= 1, qPrintable(QString::number(redRows.first())));
-        QCOMPARE(redRows.at(thickness) - redRows.first(), qRound(rowHeight * ratio));
-        QCOMPARE(redRows.at(thickness - 1) - redRows.first(), thickness - 1); // each line is one run
     }
 
     void rowsShrinkToFitDownToHalfSize()
