@@ -38,3 +38,9 @@ private:
     QString m_name;
     QStringList *m_log;
 };
+
+/// "A load, A willAppear" as the log lines it lists.
+inline QStringList calls(const char *entries)
+{
+    return QString::fromLatin1(entries).split(QStringLiteral(", "));
+}

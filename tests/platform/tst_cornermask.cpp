@@ -19,8 +19,6 @@ private Q_SLOTS:
         QTest::addColumn<Corners>("corners");
         QTest::addColumn<QString>("kept"); // of the corner pixels TL TR BL BR, 1 = kept
         QTest::newRow("top-left and bottom-right") << Corners(Corner::TopLeft | Corner::BottomRight) << "0110";
-        QTest::newRow("all but top-right")
-            << Corners(Corner::TopLeft | Corner::BottomLeft | Corner::BottomRight) << "0100";
         QTest::newRow("none") << Corners() << "1111";
         QTest::newRow("all") << Corners(Corner::All) << "0000";
     }

@@ -67,19 +67,6 @@ private Q_SLOTS:
         QCOMPARE(widget.x(), 0);
         QCOMPARE(ends, (QList<bool> { false, true }));
     }
-
-    void fadesThroughAnOpacityEffect()
-    {
-        ManualClock clock;
-        QWidget widget;
-        QCOMPARE(FrameAnimation::opacityOf(&widget), 1.0);
-        FrameAnimation::animateOpacity(&widget, 0, { 200, 0, Curve::Linear });
-        // Fades are drawn frame by frame: four frames into a fade of 200 ms.
-        clock.advance(4 * FrameAnimation::FrameIntervalMs);
-        QCOMPARE(FrameAnimation::opacityOf(&widget), 1 - 4 * FrameAnimation::FrameIntervalMs / 200.0);
-        clock.advance(200);
-        QCOMPARE(FrameAnimation::opacityOf(&widget), 0.0);
-    }
 };
 
 QTEST_MAIN(FrameAnimationTest)

@@ -5,8 +5,6 @@
 
 #include <QTest>
 
-#include <memory>
-
 using platform::MainQueue;
 using platform::ManualClock;
 
@@ -55,17 +53,6 @@ private Q_SLOTS:
         // Async work never runs inside the call, only on a later turn of the event loop.
         QVERIFY(ran.isEmpty());
         QTRY_COMPARE(ran, (QStringList { QStringLiteral("async"), QStringLiteral("async kept") }));
-    }
-
-    void restoresThePreviousClock()
-    {
-        platform::Clock *system = MainQueue::clock();
-        {
-            ManualClock outer(100);
-            std::make_unique<ManualClock>(200).reset();
-            QCOMPARE(MainQueue::now(), 100.0);
-        }
-        QCOMPARE(MainQueue::clock(), system);
     }
 };
 

@@ -24,7 +24,6 @@ private Q_SLOTS:
         QTest::newRow("phone with a home button")
             << QSizeF(375, 667) << DeviceIdiom::Phone << QMarginsF(0, 20, 0, 0) << 64.0;
         QTest::newRow("narrower than 375") << QSizeF(320, 812) << DeviceIdiom::Phone << QMarginsF(0, 20, 0, 0) << 64.0;
-        QTest::newRow("tall tablet") << QSizeF(1024, 1366) << DeviceIdiom::Pad << QMarginsF(0, 20, 0, 0) << 64.0;
         QTest::newRow("no screen") << QSizeF() << DeviceIdiom::Phone << QMarginsF() << 64.0;
     }
 

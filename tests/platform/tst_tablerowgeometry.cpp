@@ -63,7 +63,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("extra");
         QTest::addColumn<QList<IndexPath>>("expected");
         // Section 0: header 0, rows 10, 20; section 1: header 5, no rows; section 2: header 0, rows 0, 30.
-        QTest::newRow("first row only") << 0.0 << 10.0 << 0 << QList<IndexPath> { { 0, 0 } };
         QTest::newRow("edge to edge") << 10.0 << 30.0 << 0 << QList<IndexPath> { { 0, 1 } };
         QTest::newRow("inside the header of an empty section")
             << 31.0 << 34.0 << 1 << QList<IndexPath> { { 0, 1 }, { 2, 0 } };

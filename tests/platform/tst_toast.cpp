@@ -22,7 +22,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("third"); // of the window, that the toast's centre falls in
         QTest::newRow("top") << ToastPosition::Top << 0;
         QTest::newRow("center") << ToastPosition::Center << 1;
-        QTest::newRow("bottom") << ToastPosition::Bottom << 2;
     }
 
     void showsOverTheWindowForItsDuration()
