@@ -1,5 +1,5 @@
-// Shared by the editor tests: a screen that records the actions its views deliver to it, a data
-// source of plain entry rows, the plug-in's theme, and pictures for people to look at.
+// Shared by the editor tests: their common set-up, a screen that records the actions its views
+// deliver to it, a data source of blank entry rows, and pictures for people to look at.
 #pragma once
 
 #include "kit/common/ZIQCommonSwitchCell.h"
@@ -7,27 +7,52 @@
 #include "kit/common/ZIQThemeManager.h"
 #include "platform/Screen.h"
 #include "platform/Switch.h"
+#include "platform/SystemFont.h"
 #include "platform/TableView.h"
 #include "platform/TableViewCell.h"
 #include "platform/TableViewDataSource.h"
 #include "platform/TextField.h"
+#include "platform/ToastCenter.h"
 #include "platform/ViewController.h"
 #include "plugin/provider/ZIQGroupNoteTextFieldCellData.h"
 #include "plugin/service/ZIQGroupNoteDefines.h"
 
 #include <QDir>
+#include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
+#include <QTimeZone>
+#include <QToolButton>
+
+#include <unicode/timezone.h>
 
 inline QString localized(const char *key)
 {
     return ZIQGlobalization::getLocalizedStringForKey(QString::fromLatin1(key));
 }
 
-inline void registerPluginTheme()
+/// Fonts, the plug-in's theme, English texts, and a device in Shanghai's zone: eight hours ahead
+/// of UTC all year.
+inline void setUpEditorTests()
 {
+    platform::SystemFont::install();
     ZIQThemeManager::shareManager()->registerThemeResourcePath(
         QStringLiteral(":/%1.bundle").arg(ZIQGroupNoteThemeBundleName), ZIQGroupNoteThemeModule);
+    ZIQGlobalization::setPreferredLanguage(QStringLiteral("en"));
+    icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("Asia/Shanghai"));
+}
+
+inline double shanghaiMs(int year, int month, int day, int hour, int minute)
+{
+    return double(
+        QDateTime(QDate(year, month, day), QTime(hour, minute), QTimeZone("Asia/Shanghai")).toMSecsSinceEpoch());
+}
+
+/// What ToastCenter::toastShown reports for a text refused as over-long.
+inline QVariantList limitToast()
+{
+    return { localized("ZIQGroupNoteTextFieldExceedLimit"), 3000, int(platform::ToastPosition::Center) };
 }
 
 /// Saves `widget` as `name`.png into $ZIQ_PICTURES_DIR when that is set.
@@ -38,39 +63,22 @@ inline void savePicture(QWidget *widget, const QString &name)
         QVERIFY(widget->grab().save(QDir(dir).filePath(name + QStringLiteral(".png"))));
 }
 
-/// Records every action with its sender and what it read off it: a text, an entry's content
-/// or a switch's state.
+/// Records every action as "<action> <sender's objectName> <what it read off the sender>": a
+/// text, an entry's content or a switch's state.
 class EditorTestController : public platform::ViewController
 {
     Q_OBJECT
 
 public:
-    struct Call
-    {
-        QByteArray action;
-        QObject *sender;
-        QString seen;
-    };
-    QList<Call> calls;
-
-    /// "<action> <sender's objectName> <seen>" per call.
-    QStringList log() const
-    {
-        QStringList lines;
-        for (const Call &call : calls)
-            lines << QStringLiteral("%1 %2 %3")
-                         .arg(QLatin1String(call.action), call.sender->objectName(), call.seen)
-                         .trimmed();
-        return lines;
-    }
+    QStringList log;
 
     Q_INVOKABLE void onEditItem(ZIQGroupNoteTextFieldCellData *data)
     {
         record("onEditItem", data, data->item()->content());
     }
     Q_INVOKABLE void onRepeatItem(ZIQGroupNoteTextFieldCellData *data) { record("onRepeatItem", data); }
-    Q_INVOKABLE void onSwitchMultiSubmit(ZIQCommonSwitchCell *cell) { recordSwitch("onSwitchMultiSubmit", cell); }
-    Q_INVOKABLE void onSwitchAllowNotify(ZIQCommonSwitchCell *cell) { recordSwitch("onSwitchAllowNotify", cell); }
+    Q_INVOKABLE void onSwitchMultiSubmit(ZIQCommonSwitchCell *cell) { record("onSwitchMultiSubmit", cell); }
+    Q_INVOKABLE void onSwitchAllowNotify(ZIQCommonSwitchCell *cell) { record("onSwitchAllowNotify", cell); }
     Q_INVOKABLE void onEditDeadline(QObject *cell) { record("onEditDeadline", cell); }
     Q_INVOKABLE void onEndEditTitle(platform::TextField *field) { record("onEndEditTitle", field, field->text()); }
     Q_INVOKABLE void onEndEditDesc(platform::TextField *field) { record("onEndEditDesc", field, field->text()); }
@@ -81,31 +89,23 @@ public:
 private:
     void record(const char *action, QObject *sender, const QString &seen = {})
     {
-        calls.append({ action, sender, seen });
+        log << QStringLiteral("%1 %2 %3").arg(QLatin1String(action), sender->objectName(), seen).trimmed();
     }
-    void recordSwitch(const char *action, ZIQCommonSwitchCell *cell)
+    void record(const char *action, ZIQCommonSwitchCell *cell)
     {
         record(action, cell, cell->switcher()->isOn() ? QStringLiteral("on") : QStringLiteral("off"));
     }
 };
 
-/// `count` rows, each a plain cell whose content is one text field named "entryField<row>".
+/// `count` blank rows.
 class EntryRows : public platform::TableViewDataSource
 {
 public:
     int count = 0;
 
     int numberOfRows(platform::TableView *, int) const override { return count; }
-    platform::TableViewCell *cellForRow(platform::TableView *table, const platform::IndexPath &path) override
+    platform::TableViewCell *cellForRow(platform::TableView *table, const platform::IndexPath &) override
     {
-        platform::TableViewCell *cell = table->dequeueReusableCell(QStringLiteral("itemCell"));
-        auto *field = cell->contentView()->findChild<platform::TextField *>();
-        if (!field) {
-            field = new platform::TextField(cell->contentView());
-            field->setGeometry(16, 8, 200, 42);
-        }
-        field->setObjectName(QStringLiteral("entryField%1").arg(path.row));
-        field->setText(QStringLiteral("%1. Entry").arg(path.row + 1));
-        return cell;
+        return table->dequeueReusableCell(QStringLiteral("itemCell"));
     }
 };

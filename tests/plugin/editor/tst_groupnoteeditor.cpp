@@ -9,21 +9,12 @@
 #include "plugin/editor/ZIQGroupNoteViewController.h"
 #include "plugin/provider/ProviderTestSupport.h"
 
-#include "kit/chat/ZIQChatService.h"
 #include "kit/chat/ZIQChatClassRegistry.h"
+#include "kit/chat/ZIQChatService.h"
 #include "platform/Keyboard.h"
 #include "platform/MainQueue.h"
 #include "platform/NavigationController.h"
 #include "platform/NotificationCenter.h"
-#include "platform/TableView.h"
-#include "platform/ToastCenter.h"
-
-#include <QLabel>
-#include <QPushButton>
-#include <QScopeGuard>
-#include <QSignalSpy>
-#include <QToolButton>
-#include <QtTest>
 
 namespace {
 
@@ -71,7 +62,8 @@ class tst_GroupNoteEditor : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { registerPluginTheme(); }
+    void initTestCase() { setUpEditorTests(); }
+    void cleanup() { ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight); }
     void anOpenEditorFollowsAnotherScreensSend()
     {
         Scene scene;
@@ -131,7 +123,8 @@ private Q_SLOTS:
         QTRY_COMPARE(alice.editor->dataProvider()->info()->setting()->deadlineTimestampInMS(),
             double(picked.toMSecsSinceEpoch()));
         deadlineRow = alice.editor->settingView()->tableView()->cellForRow({ 0, 1 });
-        QCOMPARE(deadlineRow->findChild<QLabel *>(QStringLiteral("valueLabel"))->text(), QStringLiteral("2023-11-15 06:17"));
+        QCOMPARE(
+            deadlineRow->findChild<QLabel *>(QStringLiteral("valueLabel"))->text(), QStringLiteral("2023-11-15 06:17"));
     }
     void joiningFromATipsRowTellsTheNotesGroup()
     {
@@ -268,7 +261,6 @@ private Q_SLOTS:
         QFETCH(int, pageTop);
         QFETCH(QString, theme);
         ZIQThemeManager::shareManager()->applyTheme(theme);
-        const auto restore = qScopeGuard([] { ZIQThemeManager::shareManager()->applyTheme(ZIQThemeLight); });
 
         Scene scene;
         const QString msgID = scene.post(2);
@@ -280,9 +272,16 @@ private Q_SLOTS:
         QVERIFY(phone.editor->settingView()->isHidden());
         if (!tabs)
             return;
-        QTest::mouseClick(phone.editor->menuView()->findChildren<QPushButton *>().at(1), Qt::LeftButton);
+        // The tapped tab is highlighted.
+        const QList<QPushButton *> tabButtons = phone.editor->menuView()->findChildren<QPushButton *>();
+        QTest::mouseClick(tabButtons.at(1), Qt::LeftButton);
         QVERIFY(phone.editor->contentView()->isHidden());
         QVERIFY(phone.editor->settingView()->isVisible());
+        QVERIFY(!phone.editor->menuView()->isNoteHighlighted());
+        QCOMPARE(tabButtons.at(1)->font().weight(), QFont::Bold);
+        QTest::mouseClick(tabButtons.at(0), Qt::LeftButton);
+        QVERIFY(phone.editor->settingView()->isHidden());
+        QVERIFY(phone.editor->menuView()->isNoteHighlighted());
     }
 
     void onlyEntryFieldsMoveTheScreenForTheKeyboard()
