@@ -197,6 +197,29 @@ private Q_SLOTS:
         QCOMPARE(p.controller.log, refused ? QStringList() : QStringList { action + ' ' + field + ' ' + text });
     }
 
+    void newRowsAreInsertedOnlyOneAfterTheTable_data()
+    {
+        QTest::addColumn<int>("held");
+        QTest::addColumn<int>("announced");
+        QTest::addColumn<int>("shown");
+        QTest::newRow("one more") << 2 << 3 << 3;
+        QTest::newRow("already there") << 2 << 2 << 2;
+        QTest::newRow("two at once") << 1 << 3 << 1;
+    }
+
+    void newRowsAreInsertedOnlyOneAfterTheTable()
+    {
+        QFETCH(int, held);
+        QFETCH(int, announced);
+        QFETCH(int, shown);
+        platform::ManualClock clock;
+        Page p(nullptr, true);
+        p.showRows(held);
+        p.rows.count = announced;
+        p.page->reloadTableViewWithCellCount(announced, true);
+        QCOMPARE(p.page->itemTableView()->numberOfRows(0), shown);
+    }
+
     void titleFieldTabsOnAndADeadlineTapEndsEditing()
     {
         Page p(nullptr, true);
