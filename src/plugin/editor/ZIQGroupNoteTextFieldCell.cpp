@@ -89,6 +89,10 @@ void ZIQGroupNoteTextFieldCell::fillWithData(const ZIQCommonCellDataPtr &data)
     m_indexLabel->setText(item ? QString::number(item->index()) : QString());
     m_textField->setText(item ? item->content() : QString());
     m_textField->setEnabled(isEditable());
+    // A line too long for a read-only field shows its beginning, as it reads; an editable one
+    // keeps the cursor at the end, where a new line's author types after their name.
+    if (!m_textField->isEnabled())
+        m_textField->setCursorPosition(0);
     layoutSubviews();
 }
 

@@ -119,6 +119,8 @@ private Q_SLOTS:
         // The table fills a row again each time it shows it.
         line.cell->fillWithData(line.data);
         savePicture(line.cell, picture);
+        // A read-only line shows its beginning, an editable one is ready to type at its end.
+        QCOMPARE(line.field()->cursorPosition(), editable ? line.stored().size() : 0);
 
         QTest::keyClicks(line.field(), QStringLiteral("!"));
         QCOMPARE(line.stored().endsWith(u'!'), editable);
