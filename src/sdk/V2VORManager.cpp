@@ -152,6 +152,11 @@ QString V2VORManager::sendMessage(const V2VORMessagePtr &message, const QString 
         return msgID;
     }
     d->remember(reply.value);
+    // Who sent it is settled once the service took it: a row drawn at once (a line naming its
+    // sender) reads the name before the send completes.
+    message->setSender(reply.value->sender());
+    message->setNickName(reply.value->nickName());
+    message->setFaceURL(reply.value->faceURL());
     d->post([message, sent = reply.value, progress, succ] {
         adoptSentState(*message, *sent);
         if (progress)

@@ -31,6 +31,8 @@ private Q_SLOTS:
         // Nothing is answered inside the call; the message is on its way.
         QVERIFY(!sent.arrived() && !message->msgID().isEmpty());
         QCOMPARE(message->status(), int(V2VOR_MSG_STATUS_SENDING));
+        // Who sent it is known at once: a row drawn now names its sender.
+        QCOMPARE(message->nickName(), GroupFixture::nickNameOf("alice"));
         QTRY_VERIFY(sent.arrived());
         QCOMPARE(sent.code(), 0);
         QCOMPARE(message->status(), int(V2VOR_MSG_STATUS_SEND_SUCC));
