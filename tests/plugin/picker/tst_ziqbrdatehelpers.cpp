@@ -25,38 +25,14 @@ class TestZIQBRDateHelpers : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void daysInMonth_data()
-    {
-        QTest::addColumn<int>("year");
-        QTest::addColumn<int>("month");
-        QTest::addColumn<int>("days");
-        QTest::newRow("2000-02, divisible by 400") << 2000 << 2 << 29;
-        QTest::newRow("1900-02, century") << 1900 << 2 << 28;
-        QTest::newRow("2100-02, century") << 2100 << 2 << 28;
-        QTest::newRow("2024-02, leap") << 2024 << 2 << 29;
-        QTest::newRow("month 0") << 2026 << 0 << 0;
-        QTest::newRow("month 13") << 2026 << 13 << 0;
-    }
-
-    void daysInMonth()
-    {
-        QFETCH(int, year);
-        QFETCH(int, month);
-        QFETCH(int, days);
-        QCOMPARE(ZIQ_br_getDaysInYear(year, month), days);
-    }
-
     void buildingFromFields_data()
     {
         QTest::addColumn<QDateTime>("built");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("minute 60 is the next hour") << ZIQ_br_setYear(2026, 3, 15, 10, 60) << "2026-03-15 11:00:00";
         QTest::newRow("minute 60 at the year's end") << ZIQ_br_setYear(2026, 12, 31, 23, 60) << "2027-01-01 00:00:00";
         QTest::newRow("day 31 of a 30-day month") << ZIQ_br_setYear(2026, 4, 31) << "2026-05-01 00:00:00";
         QTest::newRow("year and month: the 1st at midnight") << ZIQ_br_setYear(2026, 7) << "2026-07-01 00:00:00";
         QTest::newRow("month and day keep the year") << ZIQ_br_setMonth(7, 4) << "2026-07-04 00:00:00";
-        QTest::newRow("month to minute") << ZIQ_br_setMonth(12, 31, 23, 59) << "2026-12-31 23:59:00";
-        QTest::newRow("hour and minute keep today") << ZIQ_br_setHour(18, 45) << "2026-03-15 18:45:00";
         QTest::newRow("hour to second") << ZIQ_br_setHour(18, 45, 12) << "2026-03-15 18:45:12";
         QTest::newRow("minute and second are in hour 0") << ZIQ_br_setMinute(59, 59) << "2026-03-15 00:59:59";
         QTest::newRow("negative time fields keep now") << ZIQ_br_setYear(0, 0, 0, -1, -1, -1) << "2026-03-15 10:07:23";
@@ -65,12 +41,15 @@ private Q_SLOTS:
     void buildingFromFields()
     {
         QFETCH(QDateTime, built);
-        QFETCH(QString, expected);
-        QCOMPARE(localText(built), expected);
+        QTEST(localText(built), "expected");
     }
 
     void fieldsAndWeekdayNames()
     {
+        // Leap years: every fourth, but not centuries unless divisible by 400; no month 13.
+        QCOMPARE((QList<int> { ZIQ_br_getDaysInYear(2000, 2), ZIQ_br_getDaysInYear(1900, 2),
+                     ZIQ_br_getDaysInYear(2024, 2), ZIQ_br_getDaysInYear(2026, 13) }),
+            (QList<int> { 29, 28, 29, 0 }));
         const QDateTime thursday = localTime(2026, 3, 19, 21, 4, 5);
         const ZIQBRDateComponents c = ZIQ_br_componentsFromDate(thursday);
         const QList<int> fields
@@ -78,7 +57,6 @@ private Q_SLOTS:
         QCOMPARE(fields, (QList<int> { 2026, 3, 19, 21, 4, 5, 5, 3 }));
         QCOMPARE(ZIQ_br_dateFromComponents(c), thursday);
         QCOMPARE(ZIQ_br_weekdayString(thursday), localized("ZIQGroupNoteNotDatePickerTHR"));
-        QCOMPARE(ZIQ_br_weekdayString(localTime(2026, 3, 15)), localized("ZIQGroupNoteNotDatePickerSUN"));
         QCOMPARE(ZIQ_br_weekdayString(QDateTime()), QString());
         // Elapsed days, not calendar days.
         QCOMPARE(ZIQ_br_getNewDateToDays(thursday, -1.5), localTime(2026, 3, 18, 9, 4, 5));
@@ -103,7 +81,6 @@ private Q_SLOTS:
         // Where weeks need four days of the new year, Friday 1 January 2021 is still in 2020's last week.
         QTest::newRow("week-based year lags in early January (ISO weeks)")
             << "YYYY-MM-dd" << localTime(2021, 1, 1) << "de" << false << "2020-01-01";
-        QTest::newRow("English month name") << "MMMM" << dec30 << "en" << false << "December";
         QTest::newRow("Chinese month name") << "MMMM" << dec30 << "zh-Hans" << false << "十二月";
         QTest::newRow("in a given zone") << "dd HH:mm" << dec30 << "en" << true << "30 01:05";
     }
@@ -114,8 +91,7 @@ private Q_SLOTS:
         QFETCH(QDateTime, date);
         QFETCH(QString, language);
         QFETCH(bool, inUtc);
-        QFETCH(QString, expected);
-        QCOMPARE(ZIQ_br_stringFromDate(date, pattern, utcOrDefault(inUtc).get(), language), expected);
+        QTEST(ZIQ_br_stringFromDate(date, pattern, utcOrDefault(inUtc).get(), language), "expected");
     }
 
     void parsing_data()
@@ -135,9 +111,6 @@ private Q_SLOTS:
                                          << localTime(2026, 3, 15, 10, 8);
         QTest::newRow("trailing word") << "2026-03-15 10:08 tomorrow" << false << "yyyy-MM-dd HH:mm" << QDateTime();
         QTest::newRow("trailing seconds") << "2026-03-15 10:08:30" << false << "yyyy-MM-dd HH:mm" << QDateTime();
-        QTest::newRow("trailing letter") << "2026-03x" << false << "yyyy-MM" << QDateTime();
-        QTest::newRow("not a date") << "tomorrow" << false << "yyyy-MM-dd" << QDateTime();
-        QTest::newRow("empty") << "" << false << "yyyy-MM-dd" << QDateTime();
     }
 
     void parsing()
@@ -145,8 +118,7 @@ private Q_SLOTS:
         QFETCH(QString, text);
         QFETCH(bool, inUtc);
         QFETCH(QString, pattern);
-        QFETCH(QDateTime, expected);
-        QCOMPARE(ZIQ_br_dateFromString(text, pattern, utcOrDefault(inUtc).get(), QStringLiteral("en")), expected);
+        QTEST(ZIQ_br_dateFromString(text, pattern, utcOrDefault(inUtc).get(), QStringLiteral("en")), "expected");
     }
 
     void parsingUsesTheOffsetOfTheMoment()
