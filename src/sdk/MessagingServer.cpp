@@ -2,7 +2,6 @@
 
 #include "platform/MainQueue.h"
 #include "sdk/MessagingServerPrivate.h"
-#include "sdk/V2VORManager.h"
 
 MessagingServer::MessagingServer(QObject *parent)
     : QObject(parent)
@@ -87,8 +86,8 @@ void MessagingServer::releaseEvents()
     d->holding = false;
     const QList<Private::HeldEvent> held = std::exchange(d->heldEvents, {});
     for (const Private::HeldEvent &event : held) {
-        if (event.client)
-            platform::MainQueue::async(event.client.data(), event.task);
+        if (event.context)
+            platform::MainQueue::async(event.context.data(), event.task);
     }
 }
 

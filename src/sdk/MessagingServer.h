@@ -9,28 +9,21 @@
 #include "sdk/V2VORGroupMemberFullInfo.h"
 #include "sdk/V2VORMessage.h"
 #include "sdk/V2VORMessageExtension.h"
-#include "sdk/V2VOROfflinePushInfo.h"
+#include "sdk/ServiceReply.h"
 
 #include <QObject>
 #include <QStringList>
 #include <memory>
 #include <optional>
 
-class V2VORManager;
+class LocalBackend;
 
 class MessagingServer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// How a message reached the service, as recorded for inspection.
-    struct SendRecord
-    {
-        QString msgID;
-        int priority = 0;
-        bool onlineUserOnly = false;
-        std::optional<V2VOROfflinePushInfo> offlinePushInfo;
-    };
+    using SendRecord = ::SendRecord;
 
     explicit MessagingServer(QObject *parent = nullptr);
     ~MessagingServer() override;
@@ -69,8 +62,10 @@ public:
     V2VORMessagePtr messageByID(const QString &msgID) const;
     std::optional<SendRecord> sendRecord(const QString &msgID) const;
 
-private:
-    friend class V2VORManager;
+    /// The service's internals (MessagingServerPrivate.h), for the library's own backends.
     class Private;
+
+private:
+    friend class LocalBackend;
     std::unique_ptr<Private> d;
 };

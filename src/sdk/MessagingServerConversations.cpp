@@ -4,7 +4,6 @@
 #include "sdk/MessagingServerPrivate.h"
 
 #include "platform/MainQueue.h"
-#include "sdk/V2VORManagerPrivate.h"
 
 #include <algorithm>
 
@@ -119,24 +118,24 @@ void MessagingServer::Private::markRead(const QString &conversation, const QStri
 void MessagingServer::Private::publishConversation(const QString &conversation, const QStringList &userIDs)
 {
     for (const QString &userID : userIDs) {
-        publishTo(userID, [this, conversation](V2VORManager *client, const QString &viewer) -> std::function<void()> {
-            return
-                [client, seen = conversationAs(conversation, viewer)] { client->d->receiveConversationChanged(seen); };
+        publishTo(userID, [this, conversation](MessagingSession *session, const QString &viewer) -> std::function<void()> {
+            return [session, seen = conversationAs(conversation, viewer)] { session->receiveConversationChanged(seen); };
         });
     }
 }
 
 void MessagingServer::Private::publishTo(const QString &userID, const EventFactory &factory)
 {
-    for (const QPointer<V2VORManager> &client : std::as_const(clients)) {
-        if (!client || client->getLoginStatus() == V2VOR_STATUS_LOGOUT || client->getLoginUser() != userID)
+    const QList<MessagingSession *> current = sessions;
+    for (MessagingSession *session : current) {
+        if (session->sessionUserID() != userID)
             continue;
-        std::function<void()> task = factory(client, userID);
+        std::function<void()> task = factory(session, userID);
         if (!task)
             continue;
         if (holding)
-            heldEvents.append({ client, std::move(task) });
+            heldEvents.append({ session->sessionContext(), std::move(task) });
         else
-            platform::MainQueue::async(client, std::move(task));
+            platform::MainQueue::async(session->sessionContext(), std::move(task));
     }
 }

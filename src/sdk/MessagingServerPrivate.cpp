@@ -1,7 +1,6 @@
 #include "sdk/MessagingServerPrivate.h"
 
 #include "platform/MainQueue.h"
-#include "sdk/V2VORManagerPrivate.h"
 
 #include <algorithm>
 
@@ -81,7 +80,7 @@ CallError MessagingServer::Private::checkSend(
     return checkBody(*message);
 }
 
-ServiceReply<V2VORMessagePtr> MessagingServer::Private::send(V2VORManager *caller, const QString &sender,
+ServiceReply<V2VORMessagePtr> MessagingServer::Private::send(MessagingSession *caller, const QString &sender,
     const V2VORMessagePtr &message, const QString &receiver, const QString &groupID, const SendRecord &record)
 {
     if (const CallError refused = checkSend(sender, message, receiver, groupID))
@@ -105,8 +104,8 @@ ServiceReply<V2VORMessagePtr> MessagingServer::Private::send(V2VORManager *calle
 
     publish(
         conversationID,
-        [this, msgID](V2VORManager *client, const QString &userID) -> std::function<void()> {
-            return [client, copy = copyFor(msgID, userID)] { client->d->receiveNewMessage(copy); };
+        [this, msgID](MessagingSession *session, const QString &userID) -> std::function<void()> {
+            return [session, copy = copyFor(msgID, userID)] { session->receiveNewMessage(copy); };
         },
         caller);
     conversation.orderKey = ++activityCounter;
@@ -143,8 +142,8 @@ ServiceReply<V2VORMessagePtr> MessagingServer::Private::modify(const QString &us
     stored->message->setMessageVersion(stored->message->messageVersion() + 1);
 
     const QString msgID = message.msgID();
-    publish(stored->conversation, [this, msgID](V2VORManager *client, const QString &viewer) -> std::function<void()> {
-        return [client, copy = copyFor(msgID, viewer)] { client->d->receiveModified(copy); };
+    publish(stored->conversation, [this, msgID](MessagingSession *session, const QString &viewer) -> std::function<void()> {
+        return [session, copy = copyFor(msgID, viewer)] { session->receiveModified(copy); };
     });
     return { {}, copyFor(msgID, userID) };
 }
@@ -280,10 +279,10 @@ void MessagingServer::Private::publishExtensionChange(const QString &msgID, cons
 {
     if (changed.isEmpty() && deleted.isEmpty())
         return;
-    publish(messages.value(msgID).conversation, [=](V2VORManager *client, const QString &) -> std::function<void()> {
+    publish(messages.value(msgID).conversation, [=](MessagingSession *session, const QString &) -> std::function<void()> {
         if (!changed.isEmpty())
-            return [=] { client->d->receiveExtensionsChanged(msgID, changed, versions); };
-        return [=] { client->d->receiveExtensionsDeleted(msgID, deleted, versions); };
+            return [=] { session->receiveExtensionsChanged(msgID, changed, versions); };
+        return [=] { session->receiveExtensionsDeleted(msgID, deleted, versions); };
     });
 }
 
@@ -330,13 +329,14 @@ V2VORMessagePtr MessagingServer::Private::copyFor(const QString &msgID, const QS
     return copy;
 }
 
-void MessagingServer::Private::publish(const QString &conversation, const EventFactory &factory, V2VORManager *except)
+void MessagingServer::Private::publish(
+    const QString &conversation, const EventFactory &factory, MessagingSession *except)
 {
     QStringList members = conversations.value(conversation).members;
     members.removeDuplicates();
     for (const QString &userID : members) {
-        publishTo(userID, [&](V2VORManager *client, const QString &viewer) -> std::function<void()> {
-            return client == except ? std::function<void()>() : factory(client, viewer);
+        publishTo(userID, [&](MessagingSession *session, const QString &viewer) -> std::function<void()> {
+            return session == except ? std::function<void()>() : factory(session, viewer);
         });
     }
 }

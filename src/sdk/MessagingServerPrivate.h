@@ -4,6 +4,7 @@
 #pragma once
 
 #include "sdk/ExtensionStore.h"
+#include "sdk/MessagingSession.h"
 #include "sdk/MessagingServer.h"
 #include "sdk/ServiceReply.h"
 #include "sdk/V2VORConversation.h"
@@ -44,13 +45,13 @@ public:
         ExtensionStore extensions;
         SendRecord record;
     };
-    /// Turns an event into the task one client runs when it hears of it.
-    using EventFactory = std::function<std::function<void()>(V2VORManager *client, const QString &userID)>;
+    /// Turns an event into the task one session runs when it hears of it.
+    using EventFactory = std::function<std::function<void()>(MessagingSession *session, const QString &userID)>;
 
     // Calls made by clients.
     std::optional<CallError> admit(const QStringList &operations);
     QString newMessageID();
-    ServiceReply<V2VORMessagePtr> send(V2VORManager *caller, const QString &sender, const V2VORMessagePtr &message,
+    ServiceReply<V2VORMessagePtr> send(MessagingSession *caller, const QString &sender, const V2VORMessagePtr &message,
         const QString &receiver, const QString &groupID, const SendRecord &record);
     ServiceReply<QList<V2VORMessagePtr>> history(
         const QString &userID, const QString &groupID, int count, quint64 beforeSeq) const;
@@ -84,7 +85,8 @@ public:
     quint64 lastMessageNumber = 0;
     /// Grows with every conversation activity; orders the conversation lists.
     quint64 activityCounter = 0;
-    QList<QPointer<V2VORManager>> clients;
+    /// Sessions attached to the service; each detaches before it dies.
+    QList<MessagingSession *> sessions;
 
     QHash<QString, QList<CallError>> failures;
     QHash<QString, CallError> keyFailures;
@@ -92,7 +94,7 @@ public:
 
     struct HeldEvent
     {
-        QPointer<V2VORManager> client;
+        QPointer<QObject> context;
         std::function<void()> task;
     };
     bool holding = false;
@@ -105,9 +107,9 @@ private:
     CallError checkExtensionAccess(const QString &userID, const QString &msgID) const;
     static CallError checkBody(const V2VORMessage &message);
     QString conversationFor(const QString &sender, const QString &receiver, const QString &groupID);
-    /// Hands an event to every logged-in client of the conversation's members but `except`.
-    void publish(const QString &conversation, const EventFactory &factory, V2VORManager *except = nullptr);
-    /// Hands an event to every logged-in client of `userID`.
+    /// Hands an event to every logged-in session of the conversation's members but `except`.
+    void publish(const QString &conversation, const EventFactory &factory, MessagingSession *except = nullptr);
+    /// Hands an event to every logged-in session of `userID`.
     void publishTo(const QString &userID, const EventFactory &factory);
     /// Tells each of `userIDs` how the conversation now looks to them.
     void publishConversation(const QString &conversation, const QStringList &userIDs);

@@ -5,9 +5,11 @@
 #include "sdk/V2VORErrorCode.h"
 #include "sdk/V2VORMessageExtension.h"
 #include "sdk/V2VORMessageExtensionResult.h"
+#include "sdk/V2VOROfflinePushInfo.h"
 
 #include <QHash>
 #include <QString>
+#include <optional>
 
 struct CallError
 {
@@ -32,4 +34,13 @@ struct ExtensionReply
     /// One result per key written or deleted.
     QList<V2VORMessageExtensionResult> results;
     QHash<QString, quint64> versions;
+};
+
+/// How a message reached the service, as recorded for inspection.
+struct SendRecord
+{
+    QString msgID;
+    int priority = 0;
+    bool onlineUserOnly = false;
+    std::optional<V2VOROfflinePushInfo> offlinePushInfo;
 };

@@ -29,6 +29,24 @@ enum V2VORErrorCode : int {
     V2VOR_ERR_EXTENSION_KEY_LIMIT_REACHED = 23005,
     /// Per key: the key changed since this client last saw it; the result carries the latest value.
     V2VOR_ERR_EXTENSION_VERSION_CONFLICT = 23006,
+
+    // A service across the network.
+    /// A frame that is not a JSON request of the protocol (bad JSON, missing or ill-typed members).
+    V2VOR_ERR_PROTOCOL_MALFORMED = 9501,
+    /// A frame larger than the server accepts.
+    V2VOR_ERR_PROTOCOL_FRAME_TOO_LARGE = 9502,
+    /// A protocol version the server does not speak.
+    V2VOR_ERR_PROTOCOL_VERSION = 9503,
+    /// An operation the protocol does not have.
+    V2VOR_ERR_PROTOCOL_UNKNOWN_OP = 9504,
+    /// Too many requests on one connection; retry later.
+    V2VOR_ERR_RATE_LIMITED = 9505,
+    /// A missing, forged or expired token, or a request before the connection proved its user.
+    V2VOR_ERR_AUTH_FAILED = 9506,
+    /// A directory change by someone who is not an operator of the service.
+    V2VOR_ERR_NOT_PERMITTED = 9507,
+    /// The service cannot be reached (connection down, storage unavailable); the call may be retried.
+    V2VOR_ERR_SERVICE_UNAVAILABLE = 9508,
 };
 
 /// Limits the service enforces.

@@ -1,5 +1,6 @@
 #include "sdk/V2VORManager.h"
 
+#include "sdk/LocalBackend.h"
 #include "sdk/V2VORManagerPrivate.h"
 
 namespace {
@@ -34,19 +35,20 @@ void adoptSentState(V2VORMessage &target, const V2VORMessage &source)
 } // namespace
 
 V2VORManager::V2VORManager(MessagingServer *server, QObject *parent)
+    : V2VORManager(std::make_unique<LocalBackend>(server), parent)
+{
+}
+
+V2VORManager::V2VORManager(std::unique_ptr<MessagingBackend> backend, QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>(this, server))
+    , d(std::make_unique<Private>(this, std::move(backend)))
 {
     Private::allClients().append(this);
-    if (d->service())
-        d->service()->clients.append(this);
 }
 
 V2VORManager::~V2VORManager()
 {
     Private::allClients().removeOne(this);
-    if (d->service())
-        d->service()->clients.removeAll(this);
 }
 
 V2VORManager *V2VORManager::sharedInstance()
@@ -61,7 +63,18 @@ void V2VORManager::setSharedInstance(V2VORManager *manager)
 
 MessagingServer *V2VORManager::server() const
 {
-    return d->server;
+    auto *local = dynamic_cast<LocalBackend *>(d->backend.get());
+    return local ? local->server() : nullptr;
+}
+
+MessagingBackend *V2VORManager::backend() const
+{
+    return d->backend.get();
+}
+
+void V2VORManager::setLoginToken(const QString &token)
+{
+    d->token = token;
 }
 
 void V2VORManager::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
@@ -70,20 +83,27 @@ void V2VORManager::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
         return d->postFailure(fail, *refused);
     if (userID.isEmpty())
         return d->postFailure(fail, invalid(QStringLiteral("login needs a user ID")));
-    if (!d->server->hasUser(userID))
-        d->server->addUser(userID);
     if (userID != d->userID) {
         d->history.clear();
         d->versions.clear();
     }
     d->userID = userID;
     d->status = V2VOR_STATUS_LOGINING;
-    d->post([this, succ] {
-        if (d->status == V2VOR_STATUS_LOGINING)
-            d->status = V2VOR_STATUS_LOGINED;
-        if (succ)
-            succ();
-    });
+    d->backend->login(d.get(), userID, d->token, d->guarded([this, userID, succ, fail](const CallError &error) {
+        if (error) {
+            if (d->userID == userID) {
+                d->userID.clear();
+                d->status = V2VOR_STATUS_LOGOUT;
+            }
+            return d->postFailure(fail, error);
+        }
+        d->post([this, succ] {
+            if (d->status == V2VOR_STATUS_LOGINING)
+                d->status = V2VOR_STATUS_LOGINED;
+            if (succ)
+                succ();
+        });
+    }));
 }
 
 void V2VORManager::logout(V2VORSucc succ, V2VORFail fail)
@@ -92,10 +112,12 @@ void V2VORManager::logout(V2VORSucc succ, V2VORFail fail)
         return d->postFailure(fail, *refused);
     d->userID.clear();
     d->status = V2VOR_STATUS_LOGOUT;
-    d->post([succ] {
-        if (succ)
-            succ();
-    });
+    d->backend->logout(d.get(), d->guarded([this, succ](const CallError &) {
+        d->post([succ] {
+            if (succ)
+                succ();
+        });
+    }));
 }
 
 int V2VORManager::getLoginStatus() const
@@ -130,40 +152,45 @@ QString V2VORManager::sendMessage(const V2VORMessagePtr &message, const QString 
     int priority, bool onlineUserOnly, const std::optional<V2VOROfflinePushInfo> &offlinePushInfo,
     V2VORProgress progress, V2VORSucc succ, V2VORFail fail)
 {
-    if (message && d->service() && (message->msgID().isEmpty() || d->service()->messages.contains(message->msgID())))
-        message->setMsgID(d->service()->newMessageID());
+    // A message sent before (a resend after a failure) gets a fresh ID.
+    if (message && (message->msgID().isEmpty() || message->status() != V2VOR_MSG_STATUS_SENDING))
+        message->setMsgID(d->backend->newMessageID());
     if (message)
         message->setStatus(V2VOR_MSG_STATUS_SENDING);
     const QString msgID = message ? message->msgID() : QString();
 
-    ServiceReply<V2VORMessagePtr> reply;
-    if (auto refused = d->admit(QStringLiteral("sendMessage")))
-        reply.error = *refused;
-    else
-        reply = d->service()->send(
-            this, d->userID, message, receiver, groupID, { msgID, priority, onlineUserOnly, offlinePushInfo });
-    if (reply.error) {
-        d->post([message, fail, error = reply.error] {
+    auto failed = [this, message, fail](const CallError &error) {
+        d->post([message, fail, error] {
             if (message)
                 message->setStatus(V2VOR_MSG_STATUS_SEND_FAIL);
             if (fail)
                 fail(error.code, error.desc);
         });
+    };
+    if (auto refused = d->admit(QStringLiteral("sendMessage"))) {
+        failed(*refused);
         return msgID;
     }
-    d->remember(reply.value);
-    // Who sent it is settled once the service took it: a row drawn at once (a line naming its
-    // sender) reads the name before the send completes.
-    message->setSender(reply.value->sender());
-    message->setNickName(reply.value->nickName());
-    message->setFaceURL(reply.value->faceURL());
-    d->post([message, sent = reply.value, progress, succ] {
-        adoptSentState(*message, *sent);
-        if (progress)
-            progress(100);
-        if (succ)
-            succ();
-    });
+    // Who sends it is known at once: a row drawn before the send completes (a line naming its
+    // sender) reads the sender from the message.
+    if (message && message->sender().isEmpty())
+        message->setSender(d->userID);
+    const SendRecord record { msgID, priority, onlineUserOnly, offlinePushInfo };
+    d->backend->send(d.get(), message, receiver, groupID, record,
+        d->guarded([this, message, progress, succ, failed](const ServiceReply<V2VORMessagePtr> &reply) {
+            if (reply.error)
+                return failed(reply.error);
+            d->remember(reply.value);
+            message->setNickName(reply.value->nickName());
+            message->setFaceURL(reply.value->faceURL());
+            d->post([message, sent = reply.value, progress, succ] {
+                adoptSentState(*message, *sent);
+                if (progress)
+                    progress(100);
+                if (succ)
+                    succ();
+            });
+        }));
     return msgID;
 }
 
@@ -184,7 +211,10 @@ void V2VORManager::getGroupHistoryMessageList(
 {
     if (auto refused = d->admit(QStringLiteral("getGroupHistoryMessageList")))
         return d->postFailure(fail, *refused);
-    d->replyMessages(d->service()->history(d->userID, groupID, count, lastMsg ? lastMsg->seq() : 0), succ, fail);
+    d->backend->history(d.get(), groupID, count, lastMsg ? lastMsg->seq() : 0,
+        d->guarded([this, succ, fail](const ServiceReply<QList<V2VORMessagePtr>> &reply) {
+            d->replyMessages(reply, succ, fail);
+        }));
 }
 
 void V2VORManager::getC2CHistoryMessageList(
@@ -192,7 +222,10 @@ void V2VORManager::getC2CHistoryMessageList(
 {
     if (auto refused = d->admit(QStringLiteral("getC2CHistoryMessageList")))
         return d->postFailure(fail, *refused);
-    d->replyMessages(d->service()->directHistory(d->userID, userID, count, lastMsg ? lastMsg->seq() : 0), succ, fail);
+    d->backend->directHistory(d.get(), userID, count, lastMsg ? lastMsg->seq() : 0,
+        d->guarded([this, succ, fail](const ServiceReply<QList<V2VORMessagePtr>> &reply) {
+            d->replyMessages(reply, succ, fail);
+        }));
 }
 
 void V2VORManager::modifyMessage(const V2VORMessagePtr &message, ModifyCompletion completion)
@@ -204,20 +237,23 @@ void V2VORManager::modifyMessage(const V2VORMessagePtr &message, ModifyCompletio
         });
     };
     if (auto refused = d->admit(QStringLiteral("modifyMessage"))) {
-        const bool withCurrent = refused->code == V2VOR_ERR_MESSAGE_MODIFY_CONFLICT && message;
-        return complete(*refused, withCurrent ? d->service()->copyFor(message->msgID(), d->userID) : nullptr);
+        auto *local = dynamic_cast<LocalBackend *>(d->backend.get());
+        const bool withCurrent = refused->code == V2VOR_ERR_MESSAGE_MODIFY_CONFLICT && message && local;
+        return complete(*refused, withCurrent ? local->currentCopy(message->msgID(), d->userID) : nullptr);
     }
     if (!message)
         return complete(invalid(QStringLiteral("no message to modify")), nullptr);
-    const auto reply = d->service()->modify(d->userID, *message);
-    if (reply.error)
-        return complete(reply.error, reply.value);
-    d->remember(reply.value);
-    d->post([message, completion, modified = reply.value] {
-        message->setMessageVersion(modified->messageVersion());
-        if (completion)
-            completion(V2VOR_SUCC, {}, modified->clone());
-    });
+    d->backend->modify(d.get(), *message,
+        d->guarded([this, message, completion, complete](const ServiceReply<V2VORMessagePtr> &reply) {
+            if (reply.error)
+                return complete(reply.error, reply.value);
+            d->remember(reply.value);
+            d->post([message, completion, modified = reply.value] {
+                message->setMessageVersion(modified->messageVersion());
+                if (completion)
+                    completion(V2VOR_SUCC, {}, modified->clone());
+            });
+        }));
 }
 
 namespace {
@@ -241,8 +277,8 @@ void V2VORManager::setMessageExtensions(const V2VORMessagePtr &message, const QL
     if (refused)
         return d->postFailure(fail, *refused);
     const QString msgID = message->msgID();
-    d->replyExtensionResults(
-        d->service()->setExtensions(d->userID, msgID, extensions, d->seenVersions(msgID)), succ, fail);
+    d->backend->setExtensions(d.get(), msgID, extensions, d->seenVersions(msgID),
+        d->guarded([this, succ, fail](const ExtensionReply &reply) { d->replyExtensionResults(reply, succ, fail); }));
 }
 
 void V2VORManager::getMessageExtensions(const V2VORMessagePtr &message, ExtensionListSucc succ, V2VORFail fail)
@@ -252,11 +288,12 @@ void V2VORManager::getMessageExtensions(const V2VORMessagePtr &message, Extensio
         refused = checkSent(message);
     if (refused)
         return d->postFailure(fail, *refused);
-    const ExtensionReply reply = d->service()->getExtensions(d->userID, message->msgID());
-    if (reply.error)
-        return d->postFailure(fail, reply.error);
-    d->learnVersions(reply.msgID, reply.versions);
-    d->postValue(succ, reply.extensions);
+    d->backend->getExtensions(d.get(), message->msgID(), d->guarded([this, succ, fail](const ExtensionReply &reply) {
+        if (reply.error)
+            return d->postFailure(fail, reply.error);
+        d->learnVersions(reply.msgID, reply.versions);
+        d->postValue(succ, reply.extensions);
+    }));
 }
 
 void V2VORManager::deleteMessageExtensions(
@@ -267,7 +304,8 @@ void V2VORManager::deleteMessageExtensions(
         refused = checkSent(message);
     if (refused)
         return d->postFailure(fail, *refused);
-    d->replyExtensionResults(d->service()->deleteExtensions(d->userID, message->msgID(), keys), succ, fail);
+    d->backend->deleteExtensions(d.get(), message->msgID(), keys,
+        d->guarded([this, succ, fail](const ExtensionReply &reply) { d->replyExtensionResults(reply, succ, fail); }));
 }
 
 void V2VORManager::callExperimentalAPI(const QString &api, const QVariant &param, ExperimentalSucc succ, V2VORFail fail)
@@ -289,7 +327,9 @@ void V2VORManager::getUsersInfo(const QStringList &userIDs, UserListSucc succ, V
 {
     if (auto refused = d->admit(QStringLiteral("getUsersInfo")))
         return d->postFailure(fail, *refused);
-    d->postValue(succ, d->service()->usersInfo(userIDs));
+    d->backend->usersInfo(d.get(), userIDs, d->guarded([this, succ, fail](const ServiceReply<QList<V2VORUserFullInfo>> &reply) {
+        d->replyValue(reply, succ, fail);
+    }));
 }
 
 void V2VORManager::getGroupMembersInfo(
@@ -297,44 +337,46 @@ void V2VORManager::getGroupMembersInfo(
 {
     if (auto refused = d->admit(QStringLiteral("getGroupMembersInfo")))
         return d->postFailure(fail, *refused);
-    const auto reply = d->service()->members(d->userID, groupID, memberList);
-    if (reply.error)
-        return d->postFailure(fail, reply.error);
-    d->postValue(succ, reply.value);
+    d->backend->members(d.get(), groupID, memberList,
+        d->guarded([this, succ, fail](const ServiceReply<QList<V2VORGroupMemberFullInfo>> &reply) {
+            d->replyValue(reply, succ, fail);
+        }));
 }
 
 void V2VORManager::getGroupsInfo(const QStringList &groupIDs, GroupListSucc succ, V2VORFail fail)
 {
     if (auto refused = d->admit(QStringLiteral("getGroupsInfo")))
         return d->postFailure(fail, *refused);
-    d->postValue(succ, d->service()->groupsInfo(d->userID, groupIDs));
+    d->backend->groupsInfo(d.get(), groupIDs, d->guarded([this, succ, fail](const ServiceReply<QList<V2VORGroupInfo>> &reply) {
+        d->replyValue(reply, succ, fail);
+    }));
 }
 
 void V2VORManager::getConversationList(ConversationListSucc succ, V2VORFail fail)
 {
     if (auto refused = d->admit(QStringLiteral("getConversationList")))
         return d->postFailure(fail, *refused);
-    d->postValue(succ, d->service()->conversationList(d->userID));
+    d->backend->conversationList(d.get(), d->guarded([this, succ, fail](const ServiceReply<QList<V2VORConversation>> &reply) {
+        d->replyValue(reply, succ, fail);
+    }));
 }
 
 void V2VORManager::markGroupMessageAsRead(const QString &groupID, V2VORSucc succ, V2VORFail fail)
 {
-    auto refused = d->admit(QStringLiteral("markGroupMessageAsRead"));
-    if (!refused) {
-        if (const CallError error = d->service()->markGroupRead(d->userID, groupID))
-            refused = error;
-    }
-    d->postOutcome(succ, fail, refused);
+    if (auto refused = d->admit(QStringLiteral("markGroupMessageAsRead")))
+        return d->postFailure(fail, *refused);
+    d->backend->markGroupRead(d.get(), groupID, d->guarded([this, succ, fail](const CallError &error) {
+        d->postOutcome(succ, fail, error ? std::optional(error) : std::nullopt);
+    }));
 }
 
 void V2VORManager::markC2CMessageAsRead(const QString &userID, V2VORSucc succ, V2VORFail fail)
 {
-    auto refused = d->admit(QStringLiteral("markC2CMessageAsRead"));
-    if (!refused) {
-        if (const CallError error = d->service()->markDirectRead(d->userID, userID))
-            refused = error;
-    }
-    d->postOutcome(succ, fail, refused);
+    if (auto refused = d->admit(QStringLiteral("markC2CMessageAsRead")))
+        return d->postFailure(fail, *refused);
+    d->backend->markDirectRead(d.get(), userID, d->guarded([this, succ, fail](const CallError &error) {
+        d->postOutcome(succ, fail, error ? std::optional(error) : std::nullopt);
+    }));
 }
 
 void V2VORManager::addAdvancedMsgListener(V2VORAdvancedMsgListener *listener)

@@ -34,8 +34,10 @@
 #include <QPointer>
 #include <QStringList>
 #include <QVariant>
+#include <memory>
 #include <optional>
 
+class MessagingBackend;
 class MessagingServer;
 class V2VORAdvancedMsgListener;
 class V2VORConversationListener;
@@ -68,14 +70,21 @@ public:
     using ConversationListSucc = V2VORValueSucc<QList<V2VORConversation>>;
     using GroupListSucc = V2VORValueSucc<QList<V2VORGroupInfo>>;
 
+    /// A client of the in-process service.
     explicit V2VORManager(MessagingServer *server, QObject *parent = nullptr);
+    /// A client of any service: in-process, or a server across the network.
+    explicit V2VORManager(std::unique_ptr<MessagingBackend> backend, QObject *parent = nullptr);
     ~V2VORManager() override;
 
     /// The client of the current process (the one the kit and the plug-in use).
     static V2VORManager *sharedInstance();
     static void setSharedInstance(V2VORManager *manager);
 
+    /// The in-process service; null for a client of a server across the network.
     MessagingServer *server() const;
+    MessagingBackend *backend() const;
+    /// The proof of identity the next login presents to a service that asks for one.
+    void setLoginToken(const QString &token);
 
     // Login.
     void login(const QString &userID, V2VORSucc succ, V2VORFail fail);
@@ -147,7 +156,6 @@ public:
     QStringList writtenLogs() const;
 
 private:
-    friend class MessagingServer;
     friend class V2VORAdvancedMsgListener;
     friend class V2VORConversationListener;
     class Private;

@@ -4,10 +4,16 @@
 #include "sdk/V2VORAdvancedMsgListener.h"
 #include "sdk/V2VORConversationListener.h"
 
-V2VORManager::Private::Private(V2VORManager *q, MessagingServer *server)
+V2VORManager::Private::Private(V2VORManager *q, std::unique_ptr<MessagingBackend> backend)
     : q(q)
-    , server(server)
+    , backend(std::move(backend))
 {
+    this->backend->attach(this);
+}
+
+V2VORManager::Private::~Private()
+{
+    backend->detach(this);
 }
 
 QList<V2VORManager *> &V2VORManager::Private::allClients()
@@ -16,19 +22,12 @@ QList<V2VORManager *> &V2VORManager::Private::allClients()
     return clients;
 }
 
-MessagingServer::Private *V2VORManager::Private::service() const
-{
-    return server ? server->d.get() : nullptr;
-}
-
 std::optional<CallError> V2VORManager::Private::admit(const QString &operation, bool needsLogin, const QString &alias)
 {
-    if (!service())
-        return CallError { V2VOR_ERR_NOT_LOGGED_IN, QStringLiteral("the messaging service is gone") };
     QStringList operations { operation };
     if (!alias.isEmpty())
         operations.append(alias);
-    if (auto injected = service()->admit(operations))
+    if (auto injected = backend->admit(operations))
         return injected;
     if (needsLogin && status != V2VOR_STATUS_LOGINED)
         return CallError { V2VOR_ERR_NOT_LOGGED_IN, QStringLiteral("%1 needs a logged-in user").arg(operation) };
@@ -104,6 +103,16 @@ void V2VORManager::Private::replyExtensionResults(
     });
 }
 
+QString V2VORManager::Private::sessionUserID() const
+{
+    return status == V2VOR_STATUS_LOGOUT ? QString() : userID;
+}
+
+QObject *V2VORManager::Private::sessionContext()
+{
+    return q;
+}
+
 void V2VORManager::Private::receiveNewMessage(const V2VORMessagePtr &copy)
 {
     remember(copy);
@@ -175,19 +184,22 @@ void V2VORManager::Private::callBySequence(
     if (isWrite && !list.canConvert<QList<V2VORMessageExtension>>())
         return postFailure(fail, invalid(QStringLiteral("%1 needs \"messageExtensionList\"").arg(api)));
 
-    const ServiceReply<QString> located = service()->messageAt(userID, groupID, sequence);
-    if (located.error)
-        return postFailure(fail, located.error);
-    const QString &msgID = located.value;
-    const ExtensionReply reply = isWrite
-        ? service()->setExtensions(userID, msgID, list.value<QList<V2VORMessageExtension>>(), seenVersions(msgID))
-        : service()->getExtensions(userID, msgID);
-    if (reply.error)
-        return postFailure(fail, reply.error);
-    learnVersions(msgID, reply.versions);
-    const QVariant result = isWrite ? QVariant::fromValue(reply.results) : QVariant::fromValue(reply.extensions);
-    post([succ, result] {
-        if (succ)
-            succ(result);
-    });
+    const auto located = [this, isWrite, list, succ, fail](const ServiceReply<QString> &reply) {
+        if (reply.error)
+            return postFailure(fail, reply.error);
+        const QString msgID = reply.value;
+        auto answer = guarded([this, msgID, isWrite, succ, fail](const ExtensionReply &extensions) {
+            if (extensions.error)
+                return postFailure(fail, extensions.error);
+            learnVersions(msgID, extensions.versions);
+            const QVariant result = isWrite ? QVariant::fromValue(extensions.results)
+                                            : QVariant::fromValue(extensions.extensions);
+            postValue(succ, result);
+        });
+        if (isWrite)
+            backend->setExtensions(this, msgID, list.value<QList<V2VORMessageExtension>>(), seenVersions(msgID), answer);
+        else
+            backend->getExtensions(this, msgID, answer);
+    };
+    backend->messageAt(this, groupID, sequence, guarded(located));
 }

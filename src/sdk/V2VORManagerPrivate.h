@@ -2,27 +2,35 @@
 // keep, the extension versions this client last saw, listeners and the log sink.
 #pragma once
 
-#include "sdk/MessagingServerPrivate.h"
+#include "sdk/MessagingBackend.h"
 #include "sdk/V2VORManager.h"
 
 #include <QHash>
 #include <QPointer>
 #include <functional>
 
-class V2VORManager::Private
+class V2VORManager::Private : public MessagingSession
 {
 public:
-    Private(V2VORManager *q, MessagingServer *server);
+    Private(V2VORManager *q, std::unique_ptr<MessagingBackend> backend);
+    ~Private() override;
 
     /// Every client of the process, so that a dying listener can leave them all.
     static QList<V2VORManager *> &allClients();
 
-    MessagingServer::Private *service() const;
     /// Counts the call and says why it is refused: no service, an injected failure, no login.
     std::optional<CallError> admit(const QString &operation, bool needsLogin = true, const QString &alias = {});
     /// Runs `task` on a later turn of the main queue, unless this client is gone by then.
     void post(std::function<void()> task);
     void postFailure(const V2VORFail &fail, const CallError &error);
+    /// `callback`, run only while this client lives (answers over the network come late).
+    template<typename F> auto guarded(F callback)
+    {
+        return [client = QPointer<V2VORManager>(q), callback](const auto &answer) {
+            if (client)
+                callback(answer);
+        };
+    }
     /// Answers `fail` with the error when there is one, else `succ`.
     void postOutcome(const V2VORSucc &succ, const V2VORFail &fail, const std::optional<CallError> &error);
     template<typename T> void postValue(const V2VORValueSucc<T> &succ, const T &value)
@@ -31,6 +39,14 @@ public:
             if (succ)
                 succ(value);
         });
+    }
+
+    template<typename T>
+    void replyValue(const ServiceReply<T> &reply, const V2VORValueSucc<T> &succ, const V2VORFail &fail)
+    {
+        if (reply.error)
+            return postFailure(fail, reply.error);
+        postValue(succ, reply.value);
     }
 
     void remember(const V2VORMessagePtr &copy);
@@ -42,17 +58,20 @@ public:
     void replyExtensionResults(const ExtensionReply &reply, const ExtensionResultSucc &succ, const V2VORFail &fail);
     void callBySequence(const QString &api, const QVariant &param, const ExperimentalSucc &succ, const V2VORFail &fail);
 
-    // Events from the service, on the main queue.
-    void receiveNewMessage(const V2VORMessagePtr &copy);
-    void receiveModified(const V2VORMessagePtr &copy);
-    void receiveExtensionsChanged(
-        const QString &msgID, const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &versions);
+    // The session: events from the service, on the main queue.
+    QString sessionUserID() const override;
+    QObject *sessionContext() override;
+    void receiveNewMessage(const V2VORMessagePtr &copy) override;
+    void receiveModified(const V2VORMessagePtr &copy) override;
+    void receiveExtensionsChanged(const QString &msgID, const QList<V2VORMessageExtension> &extensions,
+                                  const QHash<QString, quint64> &versions) override;
     void receiveExtensionsDeleted(
-        const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions);
-    void receiveConversationChanged(const V2VORConversation &conversation);
+        const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions) override;
+    void receiveConversationChanged(const V2VORConversation &conversation) override;
 
     V2VORManager *q;
-    QPointer<MessagingServer> server;
+    std::unique_ptr<MessagingBackend> backend;
+    QString token;
     QString userID;
     int status = V2VOR_STATUS_LOGOUT;
     QHash<QString, V2VORMessagePtr> history;
