@@ -5,7 +5,8 @@
 set -euo pipefail
 
 packages=(cmake g++ make ccache qt6-base-dev qt6-svg-dev libgl-dev libicu-dev libbenchmark-dev
-          fonts-inter fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core)
+          fonts-inter fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
+          pkg-config nats-server libnats-dev)
 if [ "${1:-}" = "--fuzz" ]; then
     packages+=(clang libclang-rt-14-dev llvm)
 fi

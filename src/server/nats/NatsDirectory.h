@@ -1,0 +1,70 @@
+// The service's directory in the "vor_directory" bucket: users, conversations (groups and
+// one-to-one chats) with their members, name cards and profiles, each user's list of
+// conversations, friend remarks, read marks and conversation order keys. Records are JSON;
+// changes to a conversation are read-modify-writes checked against the record's revision, so
+// concurrent servers never lose each other's members.
+//
+//   user.<user>                 {"nickName", "faceURL"}
+//   conv.<conversation>         {"isGroup", "members": [...], "nameCards": {...}, "name", "faceURL"}
+//   mine.<user>.<conversation>  empty: the user belongs to the conversation
+//   remark.<viewer>.<target>    the remark as UTF-8
+//   read.<conversation>.<user>  the sequence up to which the user has read, in decimal
+//   order.<conversation>        empty; its revision is the conversation's order key, so order
+//                               keys grow with every activity across all servers
+//
+// Every ID is one NatsKeyCodec token. Members are never removed, so a membership once seen is
+// remembered in memory.
+#pragma once
+
+#include "server/nats/NatsStore.h"
+
+#include <QHash>
+#include <QSet>
+#include <QStringList>
+#include <functional>
+#include <optional>
+
+class NatsDirectory
+{
+public:
+    struct User
+    {
+        QString nickName;
+        QString faceURL;
+    };
+    struct Conversation
+    {
+        bool isGroup = true;
+        QStringList members;
+        QHash<QString, QString> nameCards;
+        QString name;
+        QString faceURL;
+    };
+
+    explicit NatsDirectory(NatsStore &store);
+
+    std::optional<User> user(const QString &userID) const;
+    void putUser(const QString &userID, const User &user);
+    /// Adds the user with an empty profile unless the directory has it.
+    void ensureUser(const QString &userID);
+
+    std::optional<Conversation> conversation(const QString &key) const;
+    /// Applies `change` to the conversation (a new group when absent); true when it was new.
+    bool changeConversation(const QString &key, const std::function<void(Conversation &)> &change);
+    bool isMember(const QString &key, const QString &userID);
+    /// The conversations `userID` belongs to.
+    QStringList conversationsOf(const QString &userID) const;
+    void addMember(const QString &key, const QString &userID, const QString &nameCard);
+
+    QString remark(const QString &viewerID, const QString &targetID) const;
+    void setRemark(const QString &viewerID, const QString &targetID, const QString &remark);
+    quint64 readSeq(const QString &key, const QString &userID) const;
+    void setReadSeq(const QString &key, const QString &userID, quint64 seq);
+    quint64 orderKey(const QString &key) const;
+    /// Marks the conversation as the latest activity.
+    void touch(const QString &key);
+
+private:
+    NatsStore &m_store;
+    QHash<QString, QSet<QString>> m_knownMembers;
+};

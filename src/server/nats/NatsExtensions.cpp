@@ -1,0 +1,117 @@
+#include "server/nats/NatsExtensions.h"
+
+#include "sdk/ExtensionStore.h"
+#include "sdk/V2VORErrorCode.h"
+#include "server/nats/NatsKeyCodec.h"
+
+#include <algorithm>
+
+namespace {
+
+QByteArray storeKey(const QString &msgID, const QString &key)
+{
+    return NatsKeyCodec::encode(msgID) + '.' + NatsKeyCodec::encode(key);
+}
+
+NatsExtensions::Outcome outcome(
+    int code, const QString &info, const QString &key, const QString &value, quint64 version = 0, bool changed = false)
+{
+    return { { code, info, { key, value } }, version, changed };
+}
+
+QString keyInvalid()
+{
+    return QStringLiteral("extension key must be 1 to %1 bytes").arg(V2VORLimits::kMaxExtensionKeyBytes);
+}
+
+} // namespace
+
+NatsExtensions::NatsExtensions(NatsStore &store)
+    : m_store(store)
+{
+}
+
+NatsExtensions::Record NatsExtensions::read(const QByteArray &key) const
+{
+    Record record { m_store.last(NatsStore::Extensions, key) };
+    if (record.live()) {
+        const qsizetype split = record.entry.value.indexOf('\n');
+        record.firstWritten = record.entry.value.left(split).toULongLong();
+        if (record.firstWritten == 0)
+            record.firstWritten = record.entry.revision;
+        record.value = QString::fromUtf8(record.entry.value.mid(split + 1));
+    }
+    return record;
+}
+
+QList<V2VORMessageExtension> NatsExtensions::list(const QString &msgID, QHash<QString, quint64> *versions) const
+{
+    struct Live
+    {
+        quint64 firstWritten;
+        V2VORMessageExtension extension;
+    };
+    QList<Live> live;
+    for (const NatsStore::Entry &entry : m_store.list(NatsStore::Extensions, NatsKeyCodec::encode(msgID))) {
+        const std::optional<QString> key = NatsKeyCodec::decode(entry.key.mid(entry.key.lastIndexOf('.') + 1));
+        const qsizetype split = entry.value.indexOf('\n');
+        if (!key || split < 0)
+            continue;
+        const quint64 firstWritten = entry.value.left(split).toULongLong();
+        live.append(
+            { firstWritten ? firstWritten : entry.revision, { *key, QString::fromUtf8(entry.value.mid(split + 1)) } });
+        versions->insert(*key, entry.revision);
+    }
+    std::sort(live.begin(), live.end(), [](const Live &a, const Live &b) { return a.firstWritten < b.firstWritten; });
+    QList<V2VORMessageExtension> extensions;
+    for (const Live &one : std::as_const(live))
+        extensions.append(one.extension);
+    return extensions;
+}
+
+NatsExtensions::Outcome NatsExtensions::set(const QString &msgID, const V2VORMessageExtension &extension, quint64 seen)
+{
+    const QString &key = extension.extensionKey;
+    const QString &value = extension.extensionValue;
+    if (ExtensionStore::checkKey(key) != V2VOR_SUCC)
+        return outcome(V2VOR_ERR_EXTENSION_KEY_INVALID, keyInvalid(), key, value);
+    if (value.toUtf8().size() > V2VORLimits::kMaxExtensionValueBytes)
+        return outcome(V2VOR_ERR_EXTENSION_VALUE_TOO_LONG,
+            QStringLiteral("extension value is longer than %1 bytes").arg(V2VORLimits::kMaxExtensionValueBytes), key,
+            value);
+
+    const QByteArray at = storeKey(msgID, key);
+    Record current = read(at);
+    if (seen == current.entry.revision && !current.live()
+        && m_store.list(NatsStore::Extensions, NatsKeyCodec::encode(msgID)).size()
+            >= V2VORLimits::kMaxExtensionKeysPerMessage)
+        return outcome(V2VOR_ERR_EXTENSION_KEY_LIMIT_REACHED,
+            QStringLiteral("message already holds %1 extension keys").arg(V2VORLimits::kMaxExtensionKeysPerMessage),
+            key, value);
+    if (seen == current.entry.revision) {
+        const QByteArray record = QByteArray::number(current.firstWritten) + '\n' + value.toUtf8();
+        const NatsStore::Entry written = m_store.update(NatsStore::Extensions, at, record, seen);
+        if (written.ok())
+            return outcome(V2VOR_SUCC, {}, key, value, written.revision, true);
+        current = read(at);
+    }
+    return outcome(V2VOR_ERR_EXTENSION_VERSION_CONFLICT,
+        QStringLiteral("extension was changed by someone else; the latest value is attached"), key, current.value,
+        current.entry.revision);
+}
+
+NatsExtensions::Outcome NatsExtensions::remove(const QString &msgID, const QString &key)
+{
+    if (ExtensionStore::checkKey(key) != V2VOR_SUCC)
+        return outcome(V2VOR_ERR_EXTENSION_KEY_INVALID, keyInvalid(), key, {});
+    const QByteArray at = storeKey(msgID, key);
+    // Deletions never conflict: when someone else wrote first, delete what is there now.
+    for (;;) {
+        const Record current = read(at);
+        if (!current.live())
+            return outcome(V2VOR_SUCC, {}, key, {});
+        const NatsStore::Entry marker = m_store.erase(NatsStore::Extensions, at, current.entry.revision);
+        if (marker.ok())
+            return outcome(V2VOR_SUCC, {}, key, current.value, marker.revision, true);
+    }
+}

@@ -1,0 +1,368 @@
+// Two servers' backends on one NATS form one messaging service: each hears the other's
+// changes, the first writer of a key wins across them, limits and membership hold, and
+// nothing acknowledged is lost when NATS is killed and started again.
+#include "server/nats/NatsBackend.h"
+#include "support/NatsServerProcess.h"
+
+#include <QCoreApplication>
+#include <QTest>
+#include <memory>
+
+namespace {
+
+class Session : public QObject, public MessagingSession
+{
+public:
+    QString sessionUserID() const override { return user; }
+    QObject *sessionContext() override { return this; }
+    void receiveNewMessage(const V2VORMessagePtr &copy) override { newMessages.append(copy); }
+    void receiveModified(const V2VORMessagePtr &copy) override { modified.append(copy); }
+    void receiveExtensionsChanged(const QString &, const QList<V2VORMessageExtension> &extensions,
+        const QHash<QString, quint64> &versions) override
+    {
+        changed.append(extensions);
+        changedVersions.append(versions);
+    }
+    void receiveExtensionsDeleted(const QString &, const QStringList &keys, const QHash<QString, quint64> &) override
+    {
+        deleted.append(keys);
+    }
+    void receiveConversationChanged(const V2VORConversation &conversation) override
+    {
+        conversations.append(conversation);
+    }
+
+    void reset()
+    {
+        user.clear();
+        newMessages.clear();
+        modified.clear();
+        changed.clear();
+        changedVersions.clear();
+        deleted.clear();
+        conversations.clear();
+    }
+
+    QString user;
+    QList<V2VORMessagePtr> newMessages;
+    QList<V2VORMessagePtr> modified;
+    QList<QList<V2VORMessageExtension>> changed;
+    QList<QHash<QString, quint64>> changedVersions;
+    QList<QStringList> deleted;
+    QList<V2VORConversation> conversations;
+};
+
+template<typename T> T capture(const std::function<void(std::function<void(const T &)>)> &call)
+{
+    T result {};
+    call([&](const T &value) { result = value; });
+    return result;
+}
+
+V2VORMessagePtr note(const QString &msgID, const QString &text = QStringLiteral("sign-up"))
+{
+    auto message = std::make_shared<V2VORMessage>();
+    message->setMsgID(msgID);
+    message->setText(text);
+    message->setSupportMessageExtension(true);
+    return message;
+}
+
+} // namespace
+
+class TestNatsBackend : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<NatsServerProcess> m_nats;
+    std::unique_ptr<NatsBackend> m_one;
+    std::unique_ptr<NatsBackend> m_two;
+    Session m_amy;
+    Session m_bob;
+    Session m_carol;
+
+    std::unique_ptr<NatsBackend> connect()
+    {
+        QString error;
+        auto backend = NatsBackend::create(m_nats->url(), &error);
+        if (!backend)
+            qWarning() << error;
+        return backend;
+    }
+    void login(NatsBackend &backend, Session &session, const QString &userID)
+    {
+        backend.attach(&session);
+        const CallError error = capture<CallError>([&](auto done) { backend.login(&session, userID, {}, done); });
+        QCOMPARE(error.code, 0);
+        session.user = userID;
+    }
+    ServiceReply<V2VORMessagePtr> send(NatsBackend &backend, Session &from, const V2VORMessagePtr &message)
+    {
+        return capture<ServiceReply<V2VORMessagePtr>>(
+            [&](auto reply) { backend.send(&from, message, {}, QStringLiteral("g"), {}, reply); });
+    }
+    ExtensionReply set(NatsBackend &backend, Session &from, const QString &msgID,
+        const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &seen = {})
+    {
+        return capture<ExtensionReply>([&](auto done) { backend.setExtensions(&from, msgID, extensions, seen, done); });
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_nats = std::make_unique<NatsServerProcess>();
+        QVERIFY2(m_nats->isRunning(), qPrintable(m_nats->error()));
+        m_one = connect();
+        m_two = connect();
+        QVERIFY(m_one && m_two);
+        capture<CallError>([&](auto done) {
+            m_one->createGroup(nullptr, QStringLiteral("g"), { QStringLiteral("amy"), QStringLiteral("bob") }, done);
+        });
+        login(*m_one, m_amy, QStringLiteral("amy"));
+        login(*m_two, m_bob, QStringLiteral("bob"));
+        login(*m_two, m_carol, QStringLiteral("carol"));
+    }
+    void cleanup()
+    {
+        m_one.reset();
+        m_two.reset();
+        m_nats.reset();
+        // Events still queued for the sessions belong to this test only.
+        QCoreApplication::processEvents();
+        for (Session *session : { &m_amy, &m_bob, &m_carol })
+            session->reset();
+    }
+
+    void unreachableNatsIsRefused()
+    {
+        QString error;
+        const quint16 port = QUrl(m_nats->url()).port();
+        m_nats.reset();
+        QVERIFY(!NatsBackend::create(QStringLiteral("nats://127.0.0.1:%1").arg(port), &error));
+        QVERIFY(error.contains(QLatin1String("cannot reach")));
+    }
+
+    void changesReachSessionsOfTheOtherServer()
+    {
+        const auto sent = send(*m_one, m_amy, note(QStringLiteral("n1")));
+        QCOMPARE(sent.error.code, 0);
+        QVERIFY(sent.value->isSelf());
+        QTRY_COMPARE(m_bob.newMessages.size(), 1);
+        QCOMPARE(m_bob.newMessages.first()->msgID(), QStringLiteral("n1"));
+        QVERIFY(!m_bob.newMessages.first()->isSelf());
+        QVERIFY(m_carol.newMessages.isEmpty());
+
+        QCOMPARE(
+            set(*m_two, m_bob, QStringLiteral("n1"), { { QStringLiteral("1"), QStringLiteral("bob") } }).error.code, 0);
+        QTRY_COMPARE(m_amy.changed.size(), 1);
+        QCOMPARE(m_amy.changed.first().first().extensionValue, QStringLiteral("bob"));
+        // The sender's own session hears its conversation move, never its own message.
+        QVERIFY(m_amy.newMessages.isEmpty());
+        QVERIFY(!m_amy.conversations.isEmpty());
+        QCOMPARE(m_bob.conversations.last().unreadCount, 1);
+    }
+
+    void sequencesAreSharedByAllServers()
+    {
+        QCOMPARE(send(*m_one, m_amy, note(QStringLiteral("a"))).value->seq(), 1u);
+        QCOMPARE(send(*m_two, m_bob, note(QStringLiteral("b"))).value->seq(), 2u);
+        QCOMPARE(send(*m_one, m_amy, note(QStringLiteral("c"))).value->seq(), 3u);
+        const auto at = capture<ServiceReply<QString>>(
+            [&](auto reply) { m_two->messageAt(&m_bob, QStringLiteral("g"), 3, reply); });
+        QCOMPARE(at.value, QStringLiteral("c"));
+        const auto history = capture<ServiceReply<QList<V2VORMessagePtr>>>(
+            [&](auto reply) { m_one->history(&m_amy, QStringLiteral("g"), 10, 3, reply); });
+        QCOMPARE(history.value.size(), 2);
+        QCOMPARE(history.value.first()->msgID(), QStringLiteral("b"));
+        // A resend of a message already stored answers it again instead of storing a copy.
+        QCOMPARE(send(*m_two, m_amy, note(QStringLiteral("a"))).value->seq(), 1u);
+        QCOMPARE(send(*m_two, m_bob, note(QStringLiteral("a"))).error.code, int(V2VOR_ERR_INVALID_PARAMETERS));
+    }
+
+    void firstWriterWinsAcrossServers()
+    {
+        send(*m_one, m_amy, note(QStringLiteral("n1")));
+        const QString key = QStringLiteral("entry.1 *>");
+        const auto first = set(*m_one, m_amy, QStringLiteral("n1"), { { key, QStringLiteral("amy") } });
+        QCOMPARE(first.results.first().resultCode, 0);
+        const quint64 version = first.versions.value(key);
+        QVERIFY(version > 0);
+
+        const auto late = set(*m_two, m_bob, QStringLiteral("n1"), { { key, QStringLiteral("bob") } });
+        QCOMPARE(late.results.first().resultCode, int(V2VOR_ERR_EXTENSION_VERSION_CONFLICT));
+        QCOMPARE(late.results.first().extension.extensionValue, QStringLiteral("amy"));
+        QCOMPARE(late.versions.value(key), version);
+
+        const auto informed
+            = set(*m_two, m_bob, QStringLiteral("n1"), { { key, QStringLiteral("bob") } }, { { key, version } });
+        QCOMPARE(informed.results.first().resultCode, 0);
+        QVERIFY(informed.versions.value(key) > version);
+
+        // Deleting never conflicts and moves the version on; an old view then loses.
+        const auto removed = capture<ExtensionReply>([&](auto done) {
+            m_one->deleteExtensions(&m_amy, QStringLiteral("n1"), { key, QStringLiteral("absent") }, done);
+        });
+        QCOMPARE(removed.results.size(), 2);
+        QCOMPARE(removed.versions.keys(), QList<QString> { key });
+        QTRY_COMPARE(m_bob.deleted.size(), 1);
+        const auto stale
+            = set(*m_two, m_bob, QStringLiteral("n1"), { { key, QStringLiteral("again") } }, informed.versions);
+        QCOMPARE(stale.results.first().resultCode, int(V2VOR_ERR_EXTENSION_VERSION_CONFLICT));
+        QCOMPARE(stale.results.first().extension.extensionValue, QString());
+        QCOMPARE(set(*m_two, m_bob, QStringLiteral("n1"), { { key, QStringLiteral("again") } }, removed.versions)
+                     .results.first()
+                     .resultCode,
+            0);
+    }
+
+    void listingKeepsFirstWrittenOrder()
+    {
+        send(*m_one, m_amy, note(QStringLiteral("n1")));
+        const auto written = set(*m_one, m_amy, QStringLiteral("n1"),
+            { { QStringLiteral("b"), QStringLiteral("1") }, { QStringLiteral("a"), QStringLiteral("2") } });
+        set(*m_two, m_bob, QStringLiteral("n1"), { { QStringLiteral("b"), QStringLiteral("3") } }, written.versions);
+        const auto listed
+            = capture<ExtensionReply>([&](auto done) { m_two->getExtensions(&m_bob, QStringLiteral("n1"), done); });
+        QCOMPARE(listed.extensions.size(), 2);
+        QCOMPARE(listed.extensions.at(0).extensionKey, QStringLiteral("b"));
+        QCOMPARE(listed.extensions.at(0).extensionValue, QStringLiteral("3"));
+        QCOMPARE(listed.versions.value(QStringLiteral("a")), written.versions.value(QStringLiteral("a")));
+    }
+
+    void staleModificationGetsTheCurrentMessage()
+    {
+        const V2VORMessagePtr sent = send(*m_one, m_amy, note(QStringLiteral("n1"))).value;
+        const V2VORMessagePtr first = sent->clone();
+        first->setText(QStringLiteral("by amy"));
+        const auto done
+            = capture<ServiceReply<V2VORMessagePtr>>([&](auto reply) { m_one->modify(&m_amy, *first, reply); });
+        QCOMPARE(done.value->messageVersion(), 1u);
+        QTRY_COMPARE(m_bob.modified.size(), 1);
+
+        const V2VORMessagePtr late = sent->clone();
+        late->setText(QStringLiteral("by bob"));
+        const auto refused
+            = capture<ServiceReply<V2VORMessagePtr>>([&](auto reply) { m_two->modify(&m_bob, *late, reply); });
+        QCOMPARE(refused.error.code, int(V2VOR_ERR_MESSAGE_MODIFY_CONFLICT));
+        QCOMPARE(refused.value->text(), QStringLiteral("by amy"));
+        QVERIFY(!refused.value->isSelf());
+    }
+
+    void limits_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("keyBytes");
+        QTest::addColumn<int>("valueBytes");
+        QTest::addColumn<int>("callCode");
+        QTest::addColumn<int>("keyCode");
+        QTest::newRow("21 in a call") << 21 << 3 << 1 << int(V2VOR_ERR_EXTENSION_TOO_MANY_IN_CALL) << 0;
+        QTest::newRow("none") << 0 << 3 << 1 << int(V2VOR_ERR_INVALID_PARAMETERS) << 0;
+        QTest::newRow("101-byte key") << 1 << 101 << 1 << 0 << int(V2VOR_ERR_EXTENSION_KEY_INVALID);
+        QTest::newRow("100-byte key") << 1 << 100 << 1 << 0 << 0;
+        QTest::newRow("1025-byte value") << 1 << 3 << 1025 << 0 << int(V2VOR_ERR_EXTENSION_VALUE_TOO_LONG);
+        QTest::newRow("1024-byte value") << 1 << 3 << 1024 << 0 << 0;
+    }
+    void limits()
+    {
+        QFETCH(int, count);
+        QFETCH(int, keyBytes);
+        QFETCH(int, valueBytes);
+        QFETCH(int, callCode);
+        QFETCH(int, keyCode);
+        send(*m_one, m_amy, note(QStringLiteral("n1")));
+        QList<V2VORMessageExtension> extensions;
+        for (int i = 0; i < count; ++i)
+            extensions.append(
+                { QString(keyBytes - 2, QLatin1Char('k')) + QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0')),
+                    QString(valueBytes, QLatin1Char('v')) });
+        const auto reply = set(*m_two, m_bob, QStringLiteral("n1"), extensions);
+        QCOMPARE(reply.error.code, callCode);
+        if (!callCode)
+            QCOMPARE(reply.results.first().resultCode, keyCode);
+    }
+
+    void liveKeysStopAt300()
+    {
+        send(*m_one, m_amy, note(QStringLiteral("n1")));
+        for (int call = 0; call < 15; ++call) {
+            QList<V2VORMessageExtension> batch;
+            for (int i = 0; i < 20; ++i)
+                batch.append({ QString::number(call * 20 + i), QStringLiteral("x") });
+            QCOMPARE(set(*m_one, m_amy, QStringLiteral("n1"), batch).results.last().resultCode, 0);
+        }
+        const auto over = set(*m_two, m_bob, QStringLiteral("n1"), { { QStringLiteral("300"), QStringLiteral("x") } });
+        QCOMPARE(over.results.first().resultCode, int(V2VOR_ERR_EXTENSION_KEY_LIMIT_REACHED));
+        const auto removed = capture<ExtensionReply>(
+            [&](auto done) { m_two->deleteExtensions(&m_bob, QStringLiteral("n1"), { QStringLiteral("0") }, done); });
+        QCOMPARE(set(*m_two, m_bob, QStringLiteral("n1"), { { QStringLiteral("300"), QStringLiteral("x") } })
+                     .results.first()
+                     .resultCode,
+            0);
+        QCOMPARE(removed.results.first().resultCode, 0);
+    }
+
+    void nonMembersReadAndWriteNothing()
+    {
+        const V2VORMessagePtr sent = send(*m_one, m_amy, note(QStringLiteral("n1"))).value;
+        const int refused = V2VOR_ERR_NOT_GROUP_MEMBER;
+        QCOMPARE(send(*m_two, m_carol, note(QStringLiteral("n2"))).error.code, refused);
+        QCOMPARE(
+            set(*m_two, m_carol, QStringLiteral("n1"), { { QStringLiteral("k"), QStringLiteral("v") } }).error.code,
+            refused);
+        QCOMPARE(capture<ExtensionReply>([&](auto done) {
+            m_two->getExtensions(&m_carol, QStringLiteral("n1"), done);
+        }).error.code,
+            refused);
+        QCOMPARE(capture<ExtensionReply>([&](auto done) {
+            m_two->deleteExtensions(&m_carol, QStringLiteral("n1"), { QStringLiteral("k") }, done);
+        }).error.code,
+            refused);
+        QCOMPARE(capture<ServiceReply<QList<V2VORMessagePtr>>>([&](auto reply) {
+            m_two->history(&m_carol, QStringLiteral("g"), 5, 0, reply);
+        }).error.code,
+            refused);
+        QCOMPARE(capture<ServiceReply<V2VORMessagePtr>>([&](auto reply) {
+            m_two->modify(&m_carol, *sent, reply);
+        }).error.code,
+            refused);
+        QCOMPARE(capture<ServiceReply<QString>>([&](auto reply) {
+            m_two->messageAt(&m_carol, QStringLiteral("g"), 1, reply);
+        }).error.code,
+            refused);
+        QCOMPARE(capture<ServiceReply<QList<V2VORMessagePtr>>>([&](auto reply) {
+            m_two->history(&m_carol, QStringLiteral("nope"), 5, 0, reply);
+        }).error.code,
+            int(V2VOR_ERR_INVALID_PARAMETERS));
+        // Joining later opens the group, heard at once by a session already logged in.
+        capture<CallError>(
+            [&](auto done) { m_one->addGroupMember(nullptr, QStringLiteral("g"), QStringLiteral("carol"), {}, done); });
+        QCOMPARE(
+            set(*m_two, m_carol, QStringLiteral("n1"), { { QStringLiteral("k"), QStringLiteral("v") } }).error.code, 0);
+        QTRY_COMPARE(m_amy.changed.size(), 1);
+    }
+
+    void killedNatsLosesNothingAcknowledged()
+    {
+        send(*m_one, m_amy, note(QStringLiteral("n1")));
+        const auto written
+            = set(*m_two, m_bob, QStringLiteral("n1"), { { QStringLiteral("k"), QStringLiteral("kept") } });
+        QCOMPARE(written.results.first().resultCode, 0);
+        m_one.reset();
+        m_two.reset();
+        QVERIFY2(m_nats->restart(), qPrintable(m_nats->error()));
+
+        std::unique_ptr<NatsBackend> after = connect();
+        QVERIFY(after);
+        login(*after, m_amy, QStringLiteral("amy"));
+        const auto listed
+            = capture<ExtensionReply>([&](auto done) { after->getExtensions(&m_amy, QStringLiteral("n1"), done); });
+        QCOMPARE(listed.error.code, 0);
+        QCOMPARE(listed.extensions.size(), 1);
+        QCOMPARE(listed.versions, written.versions);
+        QCOMPARE(send(*after, m_amy, note(QStringLiteral("n2"))).value->seq(), 2u);
+        after.reset();
+    }
+};
+
+QTEST_GUILESS_MAIN(TestNatsBackend)
+#include "tst_natsbackend.moc"
