@@ -421,6 +421,41 @@ private Q_SLOTS:
         QVERIFY(rig.recorder->changed.isEmpty() && rig.recorder->deleted.isEmpty());
     }
 
+    void catchUpSkipsOurOwnResentMessage()
+    {
+        Rig rig;
+        QVERIFY(!rig.login().code());
+        QList<QJsonObject> stored { messageJson("m1", 1) };
+        rig.server.handlers.insert(
+            QStringLiteral("history"), [&](const Request &request) { rig.server.reply(request.id, page(stored)); });
+        CallOutcome<QList<V2VORMessagePtr>> held;
+        rig.client->getGroupHistoryMessageList(kGroup, 20, nullptr, held.succ(), held.fail());
+        QVERIFY(held.wait());
+        QSignalSpy retries(rig.network->connection(), &NetworkConnection::retryScheduled);
+        rig.server.drop();
+        QVERIFY(retries.wait(5000));
+        // Sent while offline (the retry waits for the clock): it goes out once the connection
+        // is back, before the catching up.
+        CallOutcome<> sent;
+        const QString msgID = rig.client->sendMessage(rig.client->createTextMessage(QStringLiteral("mine")), {}, kGroup,
+            V2VOR_PRIORITY_DEFAULT, false, std::nullopt, nullptr, sent.done(), sent.fail());
+        rig.server.handlers.insert(QStringLiteral("sendMessage"), [&, msgID](const Request &request) {
+            QJsonObject mine = messageJson(msgID, 2);
+            mine.insert(QStringLiteral("isSelf"), true);
+            stored.prepend(mine);
+            rig.server.reply(request.id, { { QStringLiteral("message"), mine } });
+        });
+        rig.server.handlers.insert(QStringLiteral("conversationList"), [&](const Request &request) {
+            rig.server.reply(request.id, { { QStringLiteral("conversations"), QJsonArray() } });
+        });
+        rig.clock.advance(retries.last().first().toInt());
+        QVERIFY(sent.wait());
+        QCOMPARE(sent.code(), 0);
+        QTRY_COMPARE(rig.server.requests(QStringLiteral("conversationList")).size(), 1);
+        QCoreApplication::processEvents();
+        QVERIFY(rig.recorder->newMessages.isEmpty());
+    }
+
     void theFirstConnectionCatchesNothingUp()
     {
         Rig rig;
