@@ -20,6 +20,8 @@
 #include "platform/SystemFont.h"
 #include "plugin/service/ZIQGroupNotePlugin.h"
 #include "sdk/MessagingServer.h"
+#include "sdk/NetworkBackend.h"
+#include "sdk/V2VORErrorCode.h"
 #include "sdk/V2VORManager.h"
 
 #include <QApplication>
@@ -64,6 +66,8 @@ void DemoApp::start()
     ZIQChatService::registerInCore();
     ZIQGroupNotePlugin::load();
     ZIQBaseChatViewController::registerKitCells();
+    if (!m_options.server.isEmpty())
+        return startOnServer();
     populate();
     m_client = new V2VORManager(m_server.get());
     V2VORManager::setSharedInstance(m_client);
@@ -77,6 +81,47 @@ void DemoApp::start()
             qCritical().noquote() << "login failed:" << code << desc;
             QCoreApplication::exit(1);
         });
+}
+
+void DemoApp::startOnServer()
+{
+    m_client = new V2VORManager(std::make_unique<NetworkBackend>(m_options.server));
+    m_client->setLoginToken(m_options.token);
+    V2VORManager::setSharedInstance(m_client);
+    connect(m_client, &V2VORManager::connectionStateChanged, this, &DemoApp::showConnectionState);
+    showScreens();
+    loginOnServer();
+}
+
+void DemoApp::loginOnServer()
+{
+    const QPointer<DemoApp> self(this);
+    ZIQLogin::login(
+        m_options.userID,
+        [self] {
+            if (self && self->m_list)
+                self->m_list->conversationList()->load();
+        },
+        [self](int code, const QString &desc) {
+            qWarning().noquote() << "login at the server failed:" << code << desc;
+            // A refused token stays refused; an unreachable server may come up later.
+            if (self && code != V2VOR_ERR_AUTH_FAILED)
+                platform::MainQueue::after(5000, self, [self] { self->loginOnServer(); });
+            if (self)
+                self->showConnectionState();
+        });
+}
+
+void DemoApp::showConnectionState()
+{
+    if (!m_list)
+        return;
+    QString title = listTitle();
+    if (m_client->connectionState() == V2VOR_CONNECTION_CONNECTING)
+        title = QStringLiteral("Connecting…");
+    else if (m_client->connectionState() == V2VOR_CONNECTION_DISCONNECTED)
+        title = QStringLiteral("Offline");
+    m_list->setTitle(title);
 }
 
 void DemoApp::setUpPlatform()
@@ -117,6 +162,8 @@ void DemoApp::showScreens()
     auto *list = new ZIQConversationListViewController;
     m_list = list;
     list->setTitle(listTitle());
+    if (!m_options.server.isEmpty())
+        showConnectionState();
     list->setChatFactory([this](const ZIQChatConversation &conversation) { return openChat(conversation); });
     m_navigation = std::make_unique<platform::NavigationController>(list);
     QWidget *window = m_navigation->view();

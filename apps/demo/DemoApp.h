@@ -37,6 +37,11 @@ public:
 
 private:
     void setUpPlatform();
+    /// One member's phone against a server: the screens show at once, titled with the
+    /// connection's state until the user is logged in and connected.
+    void startOnServer();
+    void loginOnServer();
+    void showConnectionState();
     void populate();
     void playNoteIntoHistory();
     void showScreens();

@@ -25,10 +25,25 @@ bool fail(const QString &message, int &exitCode)
     return false;
 }
 
+/// A server run: any user the server knows, no pictures (they show the embedded world).
+bool readServer(const QCommandLineParser &parser, DemoOptions &options, int &exitCode)
+{
+    options.server = QUrl(parser.value("server"), QUrl::StrictMode);
+    const QString scheme = options.server.scheme();
+    if (!options.server.isValid() || options.server.host().isEmpty() || (scheme != "ws" && scheme != "wss"))
+        return fail(QStringLiteral("server is ws://HOST:PORT or wss://HOST:PORT"), exitCode);
+    options.token = parser.isSet("token") ? parser.value("token") : qEnvironmentVariable("VOR_TOKEN");
+    if (!parser.isSet("screenshot") && !parser.isSet("tour"))
+        return true;
+    return fail(QStringLiteral("screenshots and the tour show the embedded world, not a server"), exitCode);
+}
+
 bool readValues(const QCommandLineParser &parser, DemoOptions &options, int &exitCode)
 {
     options.userID = parser.value("user");
-    if (!DemoWorld::hasPerson(options.userID))
+    if (parser.isSet("server") && !readServer(parser, options, exitCode))
+        return false;
+    if (options.server.isEmpty() && !DemoWorld::hasPerson(options.userID))
         return fail(QStringLiteral("unknown user: %1").arg(options.userID), exitCode);
     const std::optional<QSize> size = sizeOf(parser.value("size"));
     if (!size)
@@ -74,6 +89,11 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, int 
         { "screenshot", "Take the screenshots into <dir> and exit.", "dir" },
         { "tour", "Play a group note step by step, write a picture of each step into <dir> and exit.",
           "dir" },
+        { "server",
+            "Run the user's phone against the messaging server at <url> (ws://HOST:PORT) instead "
+            "of the embedded world.",
+            "url" },
+        { "token", "The user's token for --server (default: the environment's VOR_TOKEN).", "token" },
     });
     exitCode = 0;
     if (!parser.parse(arguments)) {

@@ -4,6 +4,7 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 #include <optional>
 
 struct DemoOptions
@@ -19,6 +20,11 @@ struct DemoOptions
     QString screenshotDir;
     /// Where the note tour's pictures go; empty for no tour.
     QString tourDir;
+    /// A messaging server (ws://HOST:PORT) to run the user's phone against instead of the
+    /// embedded world; empty for the embedded world.
+    QUrl server;
+    /// The user's token for the server (--token, else the environment's VOR_TOKEN).
+    QString token;
 
     /// Parses `arguments` (the program's, its name first); prints --help or an error and
     /// gives nothing when the program should end (with `exitCode`).

@@ -4,6 +4,7 @@
 // sees it (who sent it, the other side of a one-to-one chat).
 #pragma once
 
+#include "sdk/V2VORConnectionState.h"
 #include "sdk/V2VORConversation.h"
 #include "sdk/V2VORMessage.h"
 #include "sdk/V2VORMessageExtension.h"
@@ -31,4 +32,10 @@ public:
     virtual void receiveExtensionsDeleted(
         const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions) = 0;
     virtual void receiveConversationChanged(const V2VORConversation &conversation) = 0;
+
+    /// The connection to a service across the network changed state.
+    virtual void receiveConnectionState(V2VORConnectionState state) { Q_UNUSED(state); }
+    /// The connection came back after a drop: events of the time offline were not heard, and
+    /// the session may ask the service for what it missed.
+    virtual void receiveReconnected() { }
 };

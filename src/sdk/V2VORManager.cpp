@@ -86,6 +86,7 @@ void V2VORManager::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
     if (userID != d->userID) {
         d->history.clear();
         d->versions.clear();
+        d->liveKeys.clear();
     }
     d->userID = userID;
     d->status = V2VOR_STATUS_LOGINING;
@@ -118,6 +119,11 @@ void V2VORManager::logout(V2VORSucc succ, V2VORFail fail)
                 succ();
         });
     }));
+}
+
+V2VORConnectionState V2VORManager::connectionState() const
+{
+    return d->connectionState;
 }
 
 int V2VORManager::getLoginStatus() const
@@ -292,6 +298,7 @@ void V2VORManager::getMessageExtensions(const V2VORMessagePtr &message, Extensio
         if (reply.error)
             return d->postFailure(fail, reply.error);
         d->learnVersions(reply.msgID, reply.versions);
+        d->learnLiveKeys(reply.msgID, reply.extensions);
         d->postValue(succ, reply.extensions);
     }));
 }

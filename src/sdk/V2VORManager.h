@@ -14,12 +14,23 @@
 // changed since (or that exists but was never seen by this client) is refused for that key
 // with V2VOR_ERR_EXTENSION_VERSION_CONFLICT and the latest value. Deletions never conflict.
 //
+// A client of a server across the network (NetworkBackend) keeps its connection by itself.
+// Calls made while it is down wait for it (at most 30 s, then V2VOR_ERR_SERVICE_UNAVAILABLE);
+// calls in flight when it dropped go out again (a message keeps its ID, so a resend is stored
+// once). After a reconnection the client catches up, so it loses no change made while it was
+// offline: listeners hear every message newer than the newest one it held of each
+// conversation as a new message (never one it already held), every held message whose
+// version changed as a modification, every extension key of a held message that changed as
+// a change and every key it knew live that is gone as a deletion, and finally every
+// conversation as a conversation change. Messages it never held are not fetched back.
+//
 // The events of a change are queued for every member's client before the answer to the call
 // that made it: once a callback has arrived, every member's client (the caller's included)
 // has heard of the change, unless the service holds events.
 #pragma once
 
 #include "sdk/V2VORCallbacks.h"
+#include "sdk/V2VORConnectionState.h"
 #include "sdk/V2VORConversation.h"
 #include "sdk/V2VORGroupInfo.h"
 #include "sdk/V2VORGroupMemberFullInfo.h"
@@ -91,6 +102,8 @@ public:
     void logout(V2VORSucc succ, V2VORFail fail);
     int getLoginStatus() const;
     QString getLoginUser() const;
+    /// Always connected for the in-process service.
+    V2VORConnectionState connectionState() const;
 
     // Messages.
     /// A custom message carrying `data`; null when `data` is empty.
@@ -154,6 +167,10 @@ public:
 
     /// Lines written with "writeLog", oldest first.
     QStringList writtenLogs() const;
+
+Q_SIGNALS:
+    /// `state` is a V2VORConnectionState.
+    void connectionStateChanged(int state);
 
 private:
     friend class V2VORAdvancedMsgListener;

@@ -1,6 +1,7 @@
 #include "sdk/V2VORManagerPrivate.h"
 
 #include "platform/MainQueue.h"
+#include "sdk/NetworkBackend.h"
 #include "sdk/V2VORAdvancedMsgListener.h"
 #include "sdk/V2VORConversationListener.h"
 
@@ -9,6 +10,8 @@ V2VORManager::Private::Private(V2VORManager *q, std::unique_ptr<MessagingBackend
     , backend(std::move(backend))
 {
     this->backend->attach(this);
+    if (auto *network = dynamic_cast<NetworkBackend *>(this->backend.get()))
+        connectionState = network->connectionState();
 }
 
 V2VORManager::Private::~Private()
@@ -130,6 +133,8 @@ void V2VORManager::Private::receiveExtensionsChanged(
     const QString &msgID, const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &learned)
 {
     learnVersions(msgID, learned);
+    for (const V2VORMessageExtension &extension : extensions)
+        liveKeys[msgID].insert(extension.extensionKey);
     notifyListeners(
         [&](V2VORAdvancedMsgListener *listener) { listener->onRecvMessageExtensionsChanged(msgID, extensions); });
 }
@@ -138,6 +143,8 @@ void V2VORManager::Private::receiveExtensionsDeleted(
     const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &learned)
 {
     learnVersions(msgID, learned);
+    for (const QString &key : keys)
+        liveKeys[msgID].remove(key);
     notifyListeners([&](V2VORAdvancedMsgListener *listener) { listener->onRecvMessageExtensionsDeleted(msgID, keys); });
 }
 
@@ -148,6 +155,33 @@ void V2VORManager::Private::receiveConversationChanged(const V2VORConversation &
         if (conversationListeners.contains(listener))
             listener->onConversationChanged({ conversation });
     }
+}
+
+void V2VORManager::Private::receiveConnectionState(V2VORConnectionState state)
+{
+    if (connectionState == state)
+        return;
+    connectionState = state;
+    Q_EMIT q->connectionStateChanged(state);
+}
+
+void V2VORManager::Private::receiveReconnected()
+{
+    delete catchUp;
+    ReconnectCatchUp::Held held { history, versions, liveKeys,
+        [client = QPointer<V2VORManager>(q)](const QString &msgID) {
+            return client && client->d->history.contains(msgID);
+        } };
+    catchUp = new ReconnectCatchUp(backend.get(), this, std::move(held), q);
+    catchUp->start();
+}
+
+void V2VORManager::Private::learnLiveKeys(const QString &msgID, const QList<V2VORMessageExtension> &extensions)
+{
+    QSet<QString> &live = liveKeys[msgID];
+    live.clear();
+    for (const V2VORMessageExtension &extension : extensions)
+        live.insert(extension.extensionKey);
 }
 
 void V2VORManager::Private::notifyListeners(const std::function<void(V2VORAdvancedMsgListener *)> &call)
@@ -192,6 +226,8 @@ void V2VORManager::Private::callBySequence(
             if (extensions.error)
                 return postFailure(fail, extensions.error);
             learnVersions(msgID, extensions.versions);
+            if (!isWrite)
+                learnLiveKeys(msgID, extensions.extensions);
             const QVariant result = isWrite ? QVariant::fromValue(extensions.results)
                                             : QVariant::fromValue(extensions.extensions);
             postValue(succ, result);

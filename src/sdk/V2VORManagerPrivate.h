@@ -5,8 +5,11 @@
 #include "sdk/MessagingBackend.h"
 #include "sdk/V2VORManager.h"
 
+#include "sdk/ReconnectCatchUp.h"
+
 #include <QHash>
 #include <QPointer>
+#include <QSet>
 #include <functional>
 
 class V2VORManager::Private : public MessagingSession
@@ -68,6 +71,10 @@ public:
     void receiveExtensionsDeleted(
         const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions) override;
     void receiveConversationChanged(const V2VORConversation &conversation) override;
+    void receiveConnectionState(V2VORConnectionState state) override;
+    void receiveReconnected() override;
+    /// The keys of `msgID` now live are exactly `extensions` (a full read).
+    void learnLiveKeys(const QString &msgID, const QList<V2VORMessageExtension> &extensions);
 
     V2VORManager *q;
     std::unique_ptr<MessagingBackend> backend;
@@ -77,6 +84,10 @@ public:
     QHash<QString, V2VORMessagePtr> history;
     /// msgID -> key -> version
     QHash<QString, QHash<QString, quint64>> versions;
+    /// msgID -> the keys this client last knew live (to tell deletions missed offline).
+    QHash<QString, QSet<QString>> liveKeys;
+    V2VORConnectionState connectionState = V2VOR_CONNECTION_CONNECTED;
+    QPointer<ReconnectCatchUp> catchUp;
     QList<V2VORAdvancedMsgListener *> listeners;
     QList<V2VORConversationListener *> conversationListeners;
     QStringList logs;

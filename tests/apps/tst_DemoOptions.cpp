@@ -12,6 +12,7 @@ private Q_SLOTS:
     void parse();
     void wantsScreenshots_data();
     void wantsScreenshots();
+    void serverToken();
 };
 
 void tst_DemoOptions::parse_data()
@@ -29,6 +30,13 @@ void tst_DemoOptions::parse_data()
     QTest::newRow("screenshots without members")
         << QStringList { "--seed", "off", "--screenshot", "b" } << true << 0 << QString();
     QTest::newRow("tour without a directory") << QStringList { "--tour" } << false << 2 << "";
+    QTest::newRow("server, any user")
+        << QStringList { "--server", "ws://127.0.0.1:8080", "--user", "zed" } << true << 0 << QString();
+    QTest::newRow("server not a WebSocket") << QStringList { "--server", "http://127.0.0.1:8080" } << false << 2 << "";
+    QTest::newRow("server without a host") << QStringList { "--server", "ws://" } << false << 2 << "";
+    QTest::newRow("server with pictures")
+        << QStringList { "--server", "ws://127.0.0.1:8080", "--screenshot", "b" } << false << 2 << "";
+    QTest::newRow("unknown user without a server") << QStringList { "--user", "zed" } << false << 2 << "";
 }
 
 void tst_DemoOptions::parse()
@@ -45,6 +53,21 @@ void tst_DemoOptions::parse()
     QCOMPARE(code, exitCode);
     if (options)
         QCOMPARE(options->tourDir, tourDir);
+}
+
+void tst_DemoOptions::serverToken()
+{
+    qputenv("VOR_TOKEN", "from-env");
+    const QStringList server { "group-notes-demo", "--server", "ws://127.0.0.1:9/", "--user", "zed" };
+    int code = -1;
+    const std::optional<DemoOptions> fromEnvironment = DemoOptions::parse(server, code);
+    QVERIFY(fromEnvironment);
+    QCOMPARE(fromEnvironment->token, QStringLiteral("from-env"));
+    QCOMPARE(fromEnvironment->server.port(), 9);
+    const std::optional<DemoOptions> given = DemoOptions::parse(server + QStringList { "--token", "given" }, code);
+    QVERIFY(given);
+    QCOMPARE(given->token, QStringLiteral("given"));
+    qunsetenv("VOR_TOKEN");
 }
 
 void tst_DemoOptions::wantsScreenshots_data()
