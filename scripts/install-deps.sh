@@ -4,7 +4,7 @@
 # clang with its libFuzzer and sanitizer runtimes, and llvm-symbolizer for readable stacks.
 set -euo pipefail
 
-packages=(cmake g++ make ccache qt6-base-dev qt6-svg-dev libgl-dev libicu-dev libbenchmark-dev
+packages=(cmake g++ make ccache qt6-base-dev qt6-svg-dev qt6-websockets-dev libgl-dev libicu-dev libbenchmark-dev
           fonts-inter fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core)
 if [ "${1:-}" = "--fuzz" ]; then
     packages+=(clang libclang-rt-14-dev llvm)
