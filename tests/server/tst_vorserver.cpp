@@ -258,6 +258,18 @@ private Q_SLOTS:
         QCOMPARE(amy->socket.state(), QAbstractSocket::ConnectedState);
     }
 
+    void aFrameFarTooLargeClosesOnlyItsConnection()
+    {
+        const auto amy = connectAs(QStringLiteral("amy"));
+        const auto ben = connectAs(QStringLiteral("ben"));
+        QVERIFY(amy && ben);
+        QSignalSpy closed(&amy->socket, &QWebSocket::disconnected);
+        amy->sendRaw(QByteArray(4 * ServiceProtocol::kMaxFrameBytes, ' '));
+        QVERIFY(closed.wait(5000));
+        QCOMPARE(amy->socket.closeCode(), QWebSocketProtocol::CloseCodeTooMuchData);
+        QCOMPARE(ben->call(QStringLiteral("ping")), 0);
+    }
+
     void floodingIsRefusedThenClosed()
     {
         delete m_server;
