@@ -8,17 +8,26 @@ namespace {
 QList<QCommandLineOption> optionList()
 {
     return {
-        { QStringLiteral("listen"), QStringLiteral("Address to listen on."), QStringLiteral("ADDR"), QStringLiteral("127.0.0.1") },
-        { QStringLiteral("port"), QStringLiteral("Port to listen on; 0 picks a free one."), QStringLiteral("N"), QStringLiteral("0") },
-        { QStringLiteral("secret-file"), QStringLiteral("File holding the token secret (else $VOR_SECRET)."), QStringLiteral("PATH") },
-        { QStringLiteral("store"), QStringLiteral("memory or nats."), QStringLiteral("STORE"), QStringLiteral("memory") },
-        { QStringLiteral("nats"), QStringLiteral("NATS server URL."), QStringLiteral("URL"), QStringLiteral("nats://127.0.0.1:4222") },
-        { QStringLiteral("directory"), QStringLiteral("JSON file of users and groups to seed."), QStringLiteral("FILE") },
-        { QStringLiteral("rate"), QStringLiteral("Requests a second per connection."), QStringLiteral("N"), QStringLiteral("500") },
-        { QStringLiteral("burst"), QStringLiteral("Requests a connection may make at once."), QStringLiteral("N"), QStringLiteral("1000") },
+        { QStringLiteral("listen"), QStringLiteral("Address to listen on."), QStringLiteral("ADDR"),
+            QStringLiteral("127.0.0.1") },
+        { QStringLiteral("port"), QStringLiteral("Port to listen on; 0 picks a free one."), QStringLiteral("N"),
+            QStringLiteral("0") },
+        { QStringLiteral("secret-file"), QStringLiteral("File holding the token secret (else $VOR_SECRET)."),
+            QStringLiteral("PATH") },
+        { QStringLiteral("store"), QStringLiteral("memory or nats."), QStringLiteral("STORE"),
+            QStringLiteral("memory") },
+        { QStringLiteral("nats"), QStringLiteral("NATS server URL."), QStringLiteral("URL"),
+            QStringLiteral("nats://127.0.0.1:4222") },
+        { QStringLiteral("directory"), QStringLiteral("JSON file of users and groups to seed."),
+            QStringLiteral("FILE") },
+        { QStringLiteral("rate"), QStringLiteral("Requests a second per connection."), QStringLiteral("N"),
+            QStringLiteral("500") },
+        { QStringLiteral("burst"), QStringLiteral("Requests a connection may make at once."), QStringLiteral("N"),
+            QStringLiteral("1000") },
         { QStringLiteral("mint-token"), QStringLiteral("Print a token for USER and exit."), QStringLiteral("USER") },
         { QStringLiteral("operator"), QStringLiteral("The minted token may change the directory.") },
-        { QStringLiteral("ttl"), QStringLiteral("Seconds the minted token lasts."), QStringLiteral("SECONDS"), QStringLiteral("86400") },
+        { QStringLiteral("ttl"), QStringLiteral("Seconds the minted token lasts."), QStringLiteral("SECONDS"),
+            QStringLiteral("86400") },
     };
 }
 

@@ -17,6 +17,6 @@ struct ServerCommandLine
     qint64 mintTtlSeconds = 24 * 3600;
 
     /// Null with `error` saying what is wrong; `environmentSecret` is $VOR_SECRET.
-    static std::optional<ServerCommandLine> parse(const QStringList &arguments, const QByteArray &environmentSecret,
-                                                  QString *error);
+    static std::optional<ServerCommandLine> parse(
+        const QStringList &arguments, const QByteArray &environmentSecret, QString *error);
 };

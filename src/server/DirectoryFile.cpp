@@ -47,12 +47,14 @@ QString checkGroupMembers(const QJsonArray &groups)
         const QJsonValue members = group.value(QLatin1String("members"));
         const QJsonValue cards = group.value(QLatin1String("nameCards"));
         const bool membersOk = members.isUndefined()
-            || (members.isArray() && std::all_of(members.toArray().begin(), members.toArray().end(),
+            || (members.isArray()
+                && std::all_of(members.toArray().begin(), members.toArray().end(),
                     [](const QJsonValue &member) { return member.isString(); }));
         const QJsonObject cardsObject = cards.toObject();
         const bool cardsOk = cards.isUndefined()
-            || (cards.isObject() && std::all_of(cardsObject.begin(), cardsObject.end(),
-                    [](const QJsonValue &card) { return card.isString(); }));
+            || (cards.isObject() && std::all_of(cardsObject.begin(), cardsObject.end(), [](const QJsonValue &card) {
+                   return card.isString();
+               }));
         if (!membersOk)
             return QStringLiteral("groups[%1].members must be an array of user IDs").arg(i);
         if (!cardsOk)
@@ -86,13 +88,16 @@ std::optional<DirectoryFile> DirectoryFile::fromJson(const QByteArray &json, QSt
         why = QStringLiteral("not a JSON object (%1)").arg(parseError.errorString());
     const QJsonObject root = document.object();
     if (why.isEmpty())
-        why = checkList(root, "users", { QStringLiteral("userID") }, { QStringLiteral("nickName"), QStringLiteral("faceURL") });
+        why = checkList(
+            root, "users", { QStringLiteral("userID") }, { QStringLiteral("nickName"), QStringLiteral("faceURL") });
     if (why.isEmpty())
-        why = checkList(root, "groups", { QStringLiteral("groupID") }, { QStringLiteral("groupName"), QStringLiteral("faceURL") });
+        why = checkList(
+            root, "groups", { QStringLiteral("groupID") }, { QStringLiteral("groupName"), QStringLiteral("faceURL") });
     if (why.isEmpty())
         why = checkGroupMembers(root.value(QLatin1String("groups")).toArray());
     if (why.isEmpty())
-        why = checkList(root, "remarks", { QStringLiteral("viewerID"), QStringLiteral("targetID") }, { QStringLiteral("remark") });
+        why = checkList(
+            root, "remarks", { QStringLiteral("viewerID"), QStringLiteral("targetID") }, { QStringLiteral("remark") });
     if (!why.isEmpty()) {
         if (error)
             *error = why;
@@ -118,14 +123,18 @@ QList<DirectoryFile::Step> DirectoryFile::steps(MessagingBackend *backend, Messa
     QList<Step> steps;
     for (const QJsonValue &value : m_json.value(QLatin1String("users")).toArray()) {
         const QJsonObject user = value.toObject();
-        steps.append([=](auto done) { backend->addUser(session, str(user, "userID"), str(user, "nickName"), str(user, "faceURL"), done); });
+        steps.append([=](auto done) {
+            backend->addUser(session, str(user, "userID"), str(user, "nickName"), str(user, "faceURL"), done);
+        });
     }
     for (const QJsonValue &value : m_json.value(QLatin1String("groups")).toArray()) {
         const QJsonObject group = value.toObject();
         const QString groupID = str(group, "groupID");
         const QStringList members = group.value(QLatin1String("members")).toVariant().toStringList();
         steps.append([=](auto done) { backend->createGroup(session, groupID, members, done); });
-        steps.append([=](auto done) { backend->setGroupInfo(session, groupID, str(group, "groupName"), str(group, "faceURL"), done); });
+        steps.append([=](auto done) {
+            backend->setGroupInfo(session, groupID, str(group, "groupName"), str(group, "faceURL"), done);
+        });
         const QJsonObject cards = group.value(QLatin1String("nameCards")).toObject();
         for (auto card = cards.begin(); card != cards.end(); ++card) {
             const QString userID = card.key(), nameCard = card.value().toString();
@@ -134,7 +143,10 @@ QList<DirectoryFile::Step> DirectoryFile::steps(MessagingBackend *backend, Messa
     }
     for (const QJsonValue &value : m_json.value(QLatin1String("remarks")).toArray()) {
         const QJsonObject remark = value.toObject();
-        steps.append([=](auto done) { backend->setFriendRemark(session, str(remark, "viewerID"), str(remark, "targetID"), str(remark, "remark"), done); });
+        steps.append([=](auto done) {
+            backend->setFriendRemark(
+                session, str(remark, "viewerID"), str(remark, "targetID"), str(remark, "remark"), done);
+        });
     }
     return steps;
 }

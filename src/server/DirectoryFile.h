@@ -30,7 +30,7 @@ public:
     /// Adds the users, then the groups, their members' name cards and the remarks, acting for
     /// `operatorSession`; `done` hears the first failure, or success once all is in.
     void apply(MessagingBackend *backend, MessagingSession *operatorSession,
-               const std::function<void(const CallError &)> &done) const;
+        const std::function<void(const CallError &)> &done) const;
 
 private:
     using Step = std::function<void(MessagingBackend::Done)>;

@@ -163,7 +163,11 @@ const Operation kOperations[] = {
         },
         false },
     { "modifyMessage", [](ArgReader &r) -> Args { return ModifyMessage { r.message("message") }; }, false },
-    { "messageAt", [](ArgReader &r) -> Args { return MessageAt { r.string("groupID"), r.count("seq") }; }, false },
+    { "messageAt",
+        [](ArgReader &r) -> Args {
+            return MessageAt { r.string("groupID"), r.count("seq") };
+        },
+        false },
     { "getExtensions", [](ArgReader &r) -> Args { return GetExtensions { r.string("msgID") }; }, false },
     { "setExtensions",
         [](ArgReader &r) -> Args {
@@ -171,13 +175,18 @@ const Operation kOperations[] = {
         },
         false },
     { "deleteExtensions",
-        [](ArgReader &r) -> Args { return DeleteExtensions { r.string("msgID"), r.strings("keys") }; }, false },
+        [](ArgReader &r) -> Args {
+            return DeleteExtensions { r.string("msgID"), r.strings("keys") };
+        },
+        false },
     { "conversationList", [](ArgReader &) -> Args { return ConversationList {}; }, false },
     { "groupsInfo", [](ArgReader &r) -> Args { return GroupsInfo { r.strings("groupIDs") }; }, false },
     { "markGroupRead", [](ArgReader &r) -> Args { return MarkGroupRead { r.string("groupID") }; }, false },
     { "markDirectRead", [](ArgReader &r) -> Args { return MarkDirectRead { r.string("peerID") }; }, false },
     { "members",
-        [](ArgReader &r) -> Args { return Members { r.string("groupID"), r.strings("memberIDs", Optional) }; },
+        [](ArgReader &r) -> Args {
+            return Members { r.string("groupID"), r.strings("memberIDs", Optional) };
+        },
         false },
     { "usersInfo", [](ArgReader &r) -> Args { return UsersInfo { r.strings("userIDs") }; }, false },
     { "addUser",
@@ -186,7 +195,9 @@ const Operation kOperations[] = {
         },
         true },
     { "createGroup",
-        [](ArgReader &r) -> Args { return CreateGroup { r.string("groupID"), r.strings("memberIDs", Optional) }; },
+        [](ArgReader &r) -> Args {
+            return CreateGroup { r.string("groupID"), r.strings("memberIDs", Optional) };
+        },
         true },
     { "setGroupInfo",
         [](ArgReader &r) -> Args {

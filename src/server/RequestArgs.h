@@ -13,8 +13,13 @@
 
 namespace RequestArgs {
 
-struct Hello { QString token; };
-struct Ping { };
+struct Hello
+{
+    QString token;
+};
+struct Ping
+{
+};
 struct SendMessage
 {
     V2VORMessagePtr message;
@@ -24,30 +29,91 @@ struct SendMessage
     bool onlineUserOnly = false;
     std::optional<V2VOROfflinePushInfo> offlinePushInfo;
 };
-struct History { QString groupID; int count = 0; quint64 beforeSeq = 0; };
-struct DirectHistory { QString peerID; int count = 0; quint64 beforeSeq = 0; };
-struct ModifyMessage { V2VORMessagePtr message; };
-struct MessageAt { QString groupID; quint64 seq = 0; };
-struct GetExtensions { QString msgID; };
+struct History
+{
+    QString groupID;
+    int count = 0;
+    quint64 beforeSeq = 0;
+};
+struct DirectHistory
+{
+    QString peerID;
+    int count = 0;
+    quint64 beforeSeq = 0;
+};
+struct ModifyMessage
+{
+    V2VORMessagePtr message;
+};
+struct MessageAt
+{
+    QString groupID;
+    quint64 seq = 0;
+};
+struct GetExtensions
+{
+    QString msgID;
+};
 struct SetExtensions
 {
     QString msgID;
     QList<V2VORMessageExtension> extensions;
     QHash<QString, quint64> seen;
 };
-struct DeleteExtensions { QString msgID; QStringList keys; };
-struct ConversationList { };
-struct GroupsInfo { QStringList groupIDs; };
-struct MarkGroupRead { QString groupID; };
-struct MarkDirectRead { QString peerID; };
-struct Members { QString groupID; QStringList memberIDs; };
-struct UsersInfo { QStringList userIDs; };
-struct AddUser { QString userID, nickName, faceURL; };
-struct CreateGroup { QString groupID; QStringList memberIDs; };
-struct SetGroupInfo { QString groupID, groupName, faceURL; };
-struct AddGroupMember { QString groupID, userID, nameCard; };
-struct SetNameCard { QString groupID, userID, nameCard; };
-struct SetFriendRemark { QString viewerID, targetID, remark; };
+struct DeleteExtensions
+{
+    QString msgID;
+    QStringList keys;
+};
+struct ConversationList
+{
+};
+struct GroupsInfo
+{
+    QStringList groupIDs;
+};
+struct MarkGroupRead
+{
+    QString groupID;
+};
+struct MarkDirectRead
+{
+    QString peerID;
+};
+struct Members
+{
+    QString groupID;
+    QStringList memberIDs;
+};
+struct UsersInfo
+{
+    QStringList userIDs;
+};
+struct AddUser
+{
+    QString userID, nickName, faceURL;
+};
+struct CreateGroup
+{
+    QString groupID;
+    QStringList memberIDs;
+};
+struct SetGroupInfo
+{
+    QString groupID, groupName, faceURL;
+};
+struct AddGroupMember
+{
+    QString groupID, userID, nameCard;
+};
+struct SetNameCard
+{
+    QString groupID, userID, nameCard;
+};
+struct SetFriendRemark
+{
+    QString viewerID, targetID, remark;
+};
 
 using Args = std::variant<Hello, Ping, SendMessage, History, DirectHistory, ModifyMessage, MessageAt, GetExtensions,
     SetExtensions, DeleteExtensions, ConversationList, GroupsInfo, MarkGroupRead, MarkDirectRead, Members, UsersInfo,

@@ -136,8 +136,8 @@ void RequestDispatcher::run(const ConversationList &, const Answer &answer)
 
 void RequestDispatcher::run(const GroupsInfo &args, const Answer &answer)
 {
-    m_backend->groupsInfo(m_session, args.groupIDs,
-        valued<QList<V2VORGroupInfo>>(answer, "groups", listValue<QList<V2VORGroupInfo>>));
+    m_backend->groupsInfo(
+        m_session, args.groupIDs, valued<QList<V2VORGroupInfo>>(answer, "groups", listValue<QList<V2VORGroupInfo>>));
 }
 
 void RequestDispatcher::run(const MarkGroupRead &args, const Answer &answer)

@@ -22,7 +22,7 @@ class ServerConnection : public QObject, public MessagingSession
 public:
     /// Takes `socket` over; closes it when the connection is destroyed.
     ServerConnection(QWebSocket *socket, MessagingBackend *backend, const TokenAuthority *authority,
-                     const ServerOptions &options, QObject *parent = nullptr);
+        const ServerOptions &options, QObject *parent = nullptr);
     ~ServerConnection() override;
 
     bool isOperator() const;
@@ -32,7 +32,7 @@ public:
     void receiveNewMessage(const V2VORMessagePtr &copy) override;
     void receiveModified(const V2VORMessagePtr &copy) override;
     void receiveExtensionsChanged(const QString &msgID, const QList<V2VORMessageExtension> &extensions,
-                                  const QHash<QString, quint64> &versions) override;
+        const QHash<QString, quint64> &versions) override;
     void receiveExtensionsDeleted(
         const QString &msgID, const QStringList &keys, const QHash<QString, quint64> &versions) override;
     void receiveConversationChanged(const V2VORConversation &conversation) override;

@@ -12,8 +12,8 @@ constexpr auto kBase64Url = QByteArray::Base64UrlEncoding | QByteArray::OmitTrai
 
 std::optional<QByteArray> fromBase64Url(const QByteArray &text)
 {
-    auto decoded = QByteArray::fromBase64Encoding(
-        text, QByteArray::Base64UrlEncoding | QByteArray::AbortOnBase64DecodingErrors);
+    auto decoded
+        = QByteArray::fromBase64Encoding(text, QByteArray::Base64UrlEncoding | QByteArray::AbortOnBase64DecodingErrors);
     if (!decoded)
         return std::nullopt;
     return *decoded;

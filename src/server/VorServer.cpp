@@ -60,9 +60,8 @@ QHostAddress VorServer::address() const
 QString VorServer::url() const
 {
     const QHostAddress host = address();
-    const QString name = host.protocol() == QAbstractSocket::IPv6Protocol
-        ? QStringLiteral("[%1]").arg(host.toString())
-        : host.toString();
+    const QString name = host.protocol() == QAbstractSocket::IPv6Protocol ? QStringLiteral("[%1]").arg(host.toString())
+                                                                          : host.toString();
     return QStringLiteral("ws://%1:%2").arg(name).arg(port());
 }
 

@@ -26,27 +26,26 @@ public:
     using LocalBackend::LocalBackend;
 
     void addUser(MessagingSession *caller, const QString &userID, const QString &nickName, const QString &faceURL,
-                 Done done) override
+        Done done) override
     {
         later([=, this] { LocalBackend::addUser(caller, userID, nickName, faceURL, done); });
     }
-    void createGroup(MessagingSession *caller, const QString &groupID, const QStringList &memberIDs,
-                     Done done) override
+    void createGroup(MessagingSession *caller, const QString &groupID, const QStringList &memberIDs, Done done) override
     {
         later([=, this] { LocalBackend::createGroup(caller, groupID, memberIDs, done); });
     }
     void setGroupInfo(MessagingSession *caller, const QString &groupID, const QString &groupName,
-                      const QString &faceURL, Done done) override
+        const QString &faceURL, Done done) override
     {
         later([=, this] { LocalBackend::setGroupInfo(caller, groupID, groupName, faceURL, done); });
     }
-    void setNameCard(MessagingSession *caller, const QString &groupID, const QString &userID,
-                     const QString &nameCard, Done done) override
+    void setNameCard(MessagingSession *caller, const QString &groupID, const QString &userID, const QString &nameCard,
+        Done done) override
     {
         later([=, this] { LocalBackend::setNameCard(caller, groupID, userID, nameCard, done); });
     }
     void setFriendRemark(MessagingSession *caller, const QString &viewerID, const QString &targetID,
-                         const QString &remark, Done done) override
+        const QString &remark, Done done) override
     {
         later([=, this] { LocalBackend::setFriendRemark(caller, viewerID, targetID, remark, done); });
     }
@@ -111,14 +110,14 @@ private Q_SLOTS:
         QTest::newRow("user a string") << QByteArray(R"({"users": ["amy"]})") << "users[0] must be an object";
         QTest::newRow("nick a number") << QByteArray(R"({"users": [{"userID": "a", "nickName": 1}]})")
                                        << "users[0].nickName must be a string";
-        QTest::newRow("group without ID") << QByteArray(R"({"groups": [{"groupName": "G"}]})")
-                                          << "groups[0] needs a \"groupID\"";
+        QTest::newRow("group without ID")
+            << QByteArray(R"({"groups": [{"groupName": "G"}]})") << "groups[0] needs a \"groupID\"";
         QTest::newRow("members not IDs") << QByteArray(R"({"groups": [{"groupID": "g", "members": ["a", 2]}]})")
                                          << "groups[0].members";
-        QTest::newRow("name cards a list") << QByteArray(R"({"groups": [{"groupID": "g", "nameCards": ["a"]}]})")
-                                           << "groups[0].nameCards";
-        QTest::newRow("remark without target") << QByteArray(R"({"remarks": [{"viewerID": "a", "remark": "r"}]})")
-                                               << "remarks[0] needs a \"targetID\"";
+        QTest::newRow("name cards a list")
+            << QByteArray(R"({"groups": [{"groupID": "g", "nameCards": ["a"]}]})") << "groups[0].nameCards";
+        QTest::newRow("remark without target")
+            << QByteArray(R"({"remarks": [{"viewerID": "a", "remark": "r"}]})") << "remarks[0] needs a \"targetID\"";
     }
 
     void refusals()

@@ -28,40 +28,36 @@ private Q_SLOTS:
         QTest::newRow("unknown op") << "dropTables" << QByteArray("{}") << 9504 << "dropTables";
         QTest::newRow("op names are exact") << "History" << QByteArray("{}") << 9504 << "History";
         QTest::newRow("history without group") << "history" << QByteArray(R"({"count":5})") << 9501 << "groupID";
-        QTest::newRow("history count a string") << "history" << QByteArray(R"({"groupID":"g","count":"5"})")
-                                                << 9501 << "count";
-        QTest::newRow("history count negative") << "history" << QByteArray(R"({"groupID":"g","count":-1})")
-                                                << 9501 << "count";
-        QTest::newRow("history count fractional") << "history" << QByteArray(R"({"groupID":"g","count":1.5})")
-                                                  << 9501 << "count";
-        QTest::newRow("history count beyond int") << "history"
-                                                  << QByteArray(R"({"groupID":"g","count":4294967296})") << 9501
-                                                  << "count";
-        QTest::newRow("beforeSeq null") << "directHistory"
-                                        << QByteArray(R"({"peerID":"p","count":5,"beforeSeq":null})") << 9501
-                                        << "beforeSeq";
+        QTest::newRow("history count a string")
+            << "history" << QByteArray(R"({"groupID":"g","count":"5"})") << 9501 << "count";
+        QTest::newRow("history count negative")
+            << "history" << QByteArray(R"({"groupID":"g","count":-1})") << 9501 << "count";
+        QTest::newRow("history count fractional")
+            << "history" << QByteArray(R"({"groupID":"g","count":1.5})") << 9501 << "count";
+        QTest::newRow("history count beyond int")
+            << "history" << QByteArray(R"({"groupID":"g","count":4294967296})") << 9501 << "count";
+        QTest::newRow("beforeSeq null") << "directHistory" << QByteArray(R"({"peerID":"p","count":5,"beforeSeq":null})")
+                                        << 9501 << "beforeSeq";
         QTest::newRow("group a number") << "markGroupRead" << QByteArray(R"({"groupID":7})") << 9501 << "groupID";
         QTest::newRow("message missing") << "sendMessage" << QByteArray(R"({"groupID":"g"})") << 9501 << "message";
-        QTest::newRow("message a string") << "modifyMessage" << QByteArray(R"({"message":"hi"})") << 9501
-                                          << "message";
-        QTest::newRow("message with ill-typed seq") << "modifyMessage" << QByteArray(R"({"message":{"seq":"1"}})")
-                                                    << 9501 << "message";
+        QTest::newRow("message a string") << "modifyMessage" << QByteArray(R"({"message":"hi"})") << 9501 << "message";
+        QTest::newRow("message with ill-typed seq")
+            << "modifyMessage" << QByteArray(R"({"message":{"seq":"1"}})") << 9501 << "message";
         QTest::newRow("priority a bool") << "sendMessage"
                                          << QByteArray(R"({"message":{},"groupID":"g","priority":true})") << 9501
                                          << "priority";
-        QTest::newRow("push info an array") << "sendMessage"
-                                            << QByteArray(R"({"message":{},"groupID":"g","offlinePushInfo":[]})")
-                                            << 9501 << "offlinePushInfo";
+        QTest::newRow("push info an array")
+            << "sendMessage" << QByteArray(R"({"message":{},"groupID":"g","offlinePushInfo":[]})") << 9501
+            << "offlinePushInfo";
         QTest::newRow("push title a number")
             << "sendMessage" << QByteArray(R"({"message":{},"groupID":"g","offlinePushInfo":{"title":1}})") << 9501
             << "title";
-        QTest::newRow("extensions without value") << "setExtensions"
-                                                  << QByteArray(R"({"msgID":"m","extensions":[{"key":"k"}]})")
-                                                  << 9501 << "extensions";
+        QTest::newRow("extensions without value")
+            << "setExtensions" << QByteArray(R"({"msgID":"m","extensions":[{"key":"k"}]})") << 9501 << "extensions";
         QTest::newRow("seen versions as strings")
             << "setExtensions" << QByteArray(R"({"msgID":"m","extensions":[],"seen":{"k":"1"}})") << 9501 << "seen";
-        QTest::newRow("keys with a number") << "deleteExtensions" << QByteArray(R"({"msgID":"m","keys":["a",1]})")
-                                            << 9501 << "keys";
+        QTest::newRow("keys with a number")
+            << "deleteExtensions" << QByteArray(R"({"msgID":"m","keys":["a",1]})") << 9501 << "keys";
         QTest::newRow("user IDs an object") << "usersInfo" << QByteArray(R"({"userIDs":{}})") << 9501 << "userIDs";
         QTest::newRow("first fault named") << "setNameCard" << QByteArray(R"({"userID":1})") << 9501 << "groupID";
         QTest::newRow("hello token a number") << "hello" << QByteArray(R"({"token":1})") << 9501 << "token";
@@ -76,7 +72,8 @@ private Q_SLOTS:
         const RequestArgs::Parsed parsed = RequestArgs::parseArgs(op, json(args));
         QVERIFY(!parsed.args);
         QCOMPARE(parsed.error.code, code);
-        QVERIFY2(parsed.error.desc.contains(QLatin1Char('"') + named + QLatin1Char('"')), qPrintable(parsed.error.desc));
+        QVERIFY2(
+            parsed.error.desc.contains(QLatin1Char('"') + named + QLatin1Char('"')), qPrintable(parsed.error.desc));
     }
 
     void sendMessageReadsEveryMember()
@@ -122,8 +119,8 @@ private Q_SLOTS:
                 directory.append(op);
         }
         QCOMPARE(directory,
-            QStringList({ "addUser", "createGroup", "setGroupInfo", "addGroupMember", "setNameCard",
-                "setFriendRemark" }));
+            QStringList(
+                { "addUser", "createGroup", "setGroupInfo", "addGroupMember", "setNameCard", "setFriendRemark" }));
         QCOMPARE(RequestArgs::operations().size(), 22);
         QVERIFY(!RequestArgs::isDirectoryOp(QStringLiteral("nosuchop")));
     }

@@ -66,18 +66,18 @@ private Q_SLOTS:
         QTest::newRow("no dot") << payload << kBeforeExpiryMs << int(F::Malformed) << "" << false;
         QTest::newRow("three parts") << amy + QStringLiteral(".x") << kBeforeExpiryMs << int(F::Malformed) << ""
                                      << false;
-        QTest::newRow("signature not base64") << payload + QStringLiteral(".!!!!") << kBeforeExpiryMs
-                                              << int(F::Malformed) << "" << false;
-        QTest::newRow("signed, not JSON") << signedToken("sub=amy") << kBeforeExpiryMs << int(F::Malformed) << ""
-                                          << false;
-        QTest::newRow("signed, no user") << signedToken(R"({"exp":1800000000})") << kBeforeExpiryMs
-                                         << int(F::Malformed) << "" << false;
-        QTest::newRow("signed, empty user") << signedToken(R"({"sub":"","exp":1800000000})") << kBeforeExpiryMs
-                                            << int(F::Malformed) << "" << false;
+        QTest::newRow("signature not base64")
+            << payload + QStringLiteral(".!!!!") << kBeforeExpiryMs << int(F::Malformed) << "" << false;
+        QTest::newRow("signed, not JSON")
+            << signedToken("sub=amy") << kBeforeExpiryMs << int(F::Malformed) << "" << false;
+        QTest::newRow("signed, no user") << signedToken(R"({"exp":1800000000})") << kBeforeExpiryMs << int(F::Malformed)
+                                         << "" << false;
+        QTest::newRow("signed, empty user")
+            << signedToken(R"({"sub":"","exp":1800000000})") << kBeforeExpiryMs << int(F::Malformed) << "" << false;
         QTest::newRow("signed, expiry a string") << signedToken(R"({"sub":"amy","exp":"1800000000"})")
                                                  << kBeforeExpiryMs << int(F::Malformed) << "" << false;
-        QTest::newRow("signed, no expiry") << signedToken(R"({"sub":"amy"})") << kBeforeExpiryMs
-                                           << int(F::Malformed) << "" << false;
+        QTest::newRow("signed, no expiry")
+            << signedToken(R"({"sub":"amy"})") << kBeforeExpiryMs << int(F::Malformed) << "" << false;
         QTest::newRow("signed, op a string") << signedToken(R"({"sub":"amy","exp":1800000000,"op":"yes"})")
                                              << kBeforeExpiryMs << int(F::Malformed) << "" << false;
     }
@@ -102,9 +102,9 @@ private Q_SLOTS:
         const QStringList parts = token.split(QLatin1Char('.'));
         QCOMPARE(parts.size(), 2);
         QCOMPARE(token, signedToken(QByteArray::fromBase64(parts[0].toLatin1(), QByteArray::Base64UrlEncoding)));
-        const QJsonObject payload = QJsonDocument::fromJson(
-            QByteArray::fromBase64(parts[0].toLatin1(), QByteArray::Base64UrlEncoding))
-                                        .object();
+        const QJsonObject payload
+            = QJsonDocument::fromJson(QByteArray::fromBase64(parts[0].toLatin1(), QByteArray::Base64UrlEncoding))
+                  .object();
         QCOMPARE(payload.value(QLatin1String("sub")).toString(), QStringLiteral("chloé"));
         QCOMPARE(payload.value(QLatin1String("exp")).toDouble(), double(kExpiry));
         QCOMPARE(payload.value(QLatin1String("op")).toBool(), true);

@@ -183,7 +183,8 @@ private Q_SLOTS:
         QCOMPARE(result.value(QLatin1String("versions")).toObject().value(QLatin1String("1")).toInt(), 1);
         const QJsonObject history
             = ben->reply(ben->send(QStringLiteral("history"), json(R"({"groupID":"g1","count":10})")));
-        const QJsonArray messages = history.value(QLatin1String("result")).toObject().value(QLatin1String("messages")).toArray();
+        const QJsonArray messages
+            = history.value(QLatin1String("result")).toObject().value(QLatin1String("messages")).toArray();
         QCOMPARE(messages.size(), 1);
         QCOMPARE(messages.first().toObject().value(QLatin1String("sender")).toString(), QStringLiteral("amy"));
     }
@@ -228,14 +229,16 @@ private Q_SLOTS:
                                        << QJsonValue(5);
         QTest::newRow("unknown op") << QByteArray(R"({"v":1,"id":5,"op":"shutdown"})") << false << 9504
                                     << QJsonValue(5);
-        QTest::newRow("count a string") << QByteArray(R"({"v":1,"id":5,"op":"history","args":{"groupID":"g1","count":"9"}})")
+        QTest::newRow("count a string") << QByteArray(
+            R"({"v":1,"id":5,"op":"history","args":{"groupID":"g1","count":"9"}})")
                                         << false << 9501 << QJsonValue(5);
         QTest::newRow("message ill-typed")
             << QByteArray(R"({"v":1,"id":5,"op":"sendMessage","args":{"message":{"data":"***"},"groupID":"g1"}})")
             << false << 9501 << QJsonValue(5);
         const QByteArray padding(ServiceProtocol::kMaxFrameBytes, 'x');
-        QTest::newRow("over 64 KiB") << QByteArray("{\"v\":1,\"id\":5,\"op\":\"ping\",\"args\":{\"pad\":\"") + padding + "\"}}"
-                                     << false << 9502 << none;
+        QTest::newRow("over 64 KiB") << QByteArray("{\"v\":1,\"id\":5,\"op\":\"ping\",\"args\":{\"pad\":\"") + padding
+                + "\"}}" << false << 9502
+                                     << none;
     }
 
     void badFramesAreAnsweredAndTheConnectionLives()
@@ -322,12 +325,13 @@ private Q_SLOTS:
         QCOMPARE(amy->eventIndex(QStringLiteral("newMessage")), -1);
         QTRY_VERIFY(ben->eventIndex(QStringLiteral("newMessage")) >= 0);
         const QJsonObject heard = ben->frames[ben->eventIndex(QStringLiteral("newMessage"))];
-        const QJsonObject message = heard.value(QLatin1String("data")).toObject().value(QLatin1String("message")).toObject();
+        const QJsonObject message
+            = heard.value(QLatin1String("data")).toObject().value(QLatin1String("message")).toObject();
         QCOMPARE(message.value(QLatin1String("text")).toString(), QStringLiteral("sign up"));
         QCOMPARE(message.value(QLatin1String("isSelf")).toBool(true), false);
 
-        const qint64 write = amy->send(QStringLiteral("setExtensions"),
-            json(R"({"msgID":"note-1","extensions":[{"key":"1","value":"tea"}]})"));
+        const qint64 write = amy->send(
+            QStringLiteral("setExtensions"), json(R"({"msgID":"note-1","extensions":[{"key":"1","value":"tea"}]})"));
         const int writeReply = amy->waitReply(write);
         const int changed = amy->eventIndex(QStringLiteral("extensionsChanged"));
         QVERIFY(changed > sendReply && changed < writeReply);

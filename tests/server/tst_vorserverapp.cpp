@@ -51,13 +51,13 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("secret");
         QTest::addColumn<QString>("why");
         QTest::newRow("no secret") << QStringList() << QByteArray() << "no secret";
-        QTest::newRow("empty secret file") << QStringList({ "--secret-file", "EMPTY" }) << QByteArray("s")
-                                           << "no secret";
-        QTest::newRow("unreadable secret file") << QStringList({ "--secret-file", "/nonexistent/secret" })
-                                                << QByteArray("s") << "cannot read";
+        QTest::newRow("empty secret file")
+            << QStringList({ "--secret-file", "EMPTY" }) << QByteArray("s") << "no secret";
+        QTest::newRow("unreadable secret file")
+            << QStringList({ "--secret-file", "/nonexistent/secret" }) << QByteArray("s") << "cannot read";
         QTest::newRow("port out of range") << QStringList({ "--port", "70000" }) << QByteArray("s") << "--port";
-        QTest::newRow("listen not an address") << QStringList({ "--listen", "localhost" }) << QByteArray("s")
-                                               << "--listen";
+        QTest::newRow("listen not an address")
+            << QStringList({ "--listen", "localhost" }) << QByteArray("s") << "--listen";
         QTest::newRow("zero burst") << QStringList({ "--burst", "0" }) << QByteArray("s") << "--burst";
         QTest::newRow("unknown store") << QStringList({ "--store", "paper" }) << QByteArray("s") << "unknown store";
         QTest::newRow("nats") << QStringList({ "--store", "nats" }) << QByteArray("s") << "NATS store not built in";
@@ -90,8 +90,7 @@ private Q_SLOTS:
         QVERIFY(verdict.ok());
         QCOMPARE(verdict.userID, QStringLiteral("amy"));
         QVERIFY(verdict.isOperator);
-        QCOMPARE(TokenAuthority("s3cret").verify(token, (now + 61) * 1000.0).failure,
-            TokenAuthority::Failure::Expired);
+        QCOMPARE(TokenAuthority("s3cret").verify(token, (now + 61) * 1000.0).failure, TokenAuthority::Failure::Expired);
         QCOMPARE(TokenAuthority("other").verify(token, now * 1000.0).failure, TokenAuthority::Failure::Forged);
     }
 
@@ -103,8 +102,8 @@ private Q_SLOTS:
                 "groups": [{"groupID": "family", "groupName": "Family", "members": ["amy", "ben"]},
                            {"groupID": "cousins", "members": ["amy"]}]})");
         QProcess server;
-        server.start(QStringLiteral(VOR_SERVER_PATH),
-            { "--secret-file", secretFile, "--port", "0", "--directory", directory });
+        server.start(
+            QStringLiteral(VOR_SERVER_PATH), { "--secret-file", secretFile, "--port", "0", "--directory", directory });
         QVERIFY(server.waitForReadyRead(10000));
         const QString first = QString::fromUtf8(server.readLine()).trimmed();
         const QRegularExpressionMatch match
@@ -116,13 +115,14 @@ private Q_SLOTS:
         QCOMPARE(code, 0);
         WireClient ben;
         QVERIFY(ben.open(match.captured(1)));
-        QCOMPARE(ben.call(QStringLiteral("hello"), { { QStringLiteral("token"), QString::fromLatin1(token.trimmed()) } }),
+        QCOMPARE(
+            ben.call(QStringLiteral("hello"), { { QStringLiteral("token"), QString::fromLatin1(token.trimmed()) } }),
             0);
-        QCOMPARE(ben.call(QStringLiteral("history"), { { QStringLiteral("groupID"), QStringLiteral("family") },
-                                                         { QStringLiteral("count"), 10 } }),
+        QCOMPARE(ben.call(QStringLiteral("history"),
+                     { { QStringLiteral("groupID"), QStringLiteral("family") }, { QStringLiteral("count"), 10 } }),
             0);
-        QCOMPARE(ben.call(QStringLiteral("history"), { { QStringLiteral("groupID"), QStringLiteral("cousins") },
-                                                         { QStringLiteral("count"), 10 } }),
+        QCOMPARE(ben.call(QStringLiteral("history"),
+                     { { QStringLiteral("groupID"), QStringLiteral("cousins") }, { QStringLiteral("count"), 10 } }),
             int(V2VOR_ERR_NOT_GROUP_MEMBER));
 
         QSignalSpy closed(&ben.socket, &QWebSocket::disconnected);
