@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fuzzes the note's readers: builds the fuzz targets (tests/fuzz) with clang, libFuzzer, ASan and
+# Fuzzes the note's readers and the server's frame reading: builds the fuzz targets (tests/fuzz) with clang, libFuzzer, ASan and
 # UBSan into build-fuzz, then runs each target, one after another, for a bounded time on a scratch
 # copy of its seed corpus, so the repository's corpus never grows by itself.
 #
@@ -12,7 +12,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 seconds=${ZIQ_FUZZ_SECONDS:-60}
-read -r -a targets <<<"${ZIQ_FUZZ_TARGETS:-notebody extensionmerge configvalue dateparse}"
+read -r -a targets <<<"${ZIQ_FUZZ_TARGETS:-notebody extensionmerge configvalue dateparse frame_decoder}"
 build=build-fuzz
 cxx=$(command -v clang++-14 || command -v clang++)
 
@@ -23,8 +23,9 @@ cmake -S . -B "$build" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=RelWithDeb
     -DCMAKE_CXX_FLAGS="$instrument" -DZIQ_FUZZ=ON -DZIQ_WERROR=ON -DZIQ_BUILD_BENCH=OFF >/dev/null
 cmake --build "$build" -j"$(nproc)" --target "${targets[@]/#/fuzz_}"
 
-# Longest input worth trying per target: a note body, an extension list, a settings value, a date.
-declare -A max_len=([notebody]=4096 [extensionmerge]=2048 [configvalue]=512 [dateparse]=256)
+# Longest input worth trying per target: a note body, an extension list, a settings value, a date,
+# a client frame.
+declare -A max_len=([notebody]=4096 [extensionmerge]=2048 [configvalue]=512 [dateparse]=256 [frame_decoder]=4096)
 
 export QT_QPA_PLATFORM=offscreen LANG=C.UTF-8 TZ=Asia/Shanghai
 # The kit warns of every malformed body it reads; the fuzzers feed it little else.
