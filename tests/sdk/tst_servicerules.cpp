@@ -21,8 +21,8 @@ private Q_SLOTS:
         QTest::newRow("text one over") << QString(limit + 1, QLatin1Char('a')) << QByteArray()
                                        << int(V2VOR_ERR_MESSAGE_BODY_TOO_LARGE);
         // Three UTF-8 bytes a character: fewer characters than the limit, still over it.
-        QTest::newRow("text counted in UTF-8") << QString(limit / 3 + 1, QChar(0x4e2d)) << QByteArray()
-                                               << int(V2VOR_ERR_MESSAGE_BODY_TOO_LARGE);
+        QTest::newRow("text counted in UTF-8")
+            << QString(limit / 3 + 1, QChar(0x4e2d)) << QByteArray() << int(V2VOR_ERR_MESSAGE_BODY_TOO_LARGE);
         QTest::newRow("custom data decides over text")
             << QString(limit + 1, QLatin1Char('a')) << QByteArray(limit, 'x') << 0;
         QTest::newRow("custom data one over")
@@ -50,7 +50,8 @@ private Q_SLOTS:
         QTest::newRow("none") << 0 << int(V2VOR_ERR_INVALID_PARAMETERS);
         QTest::newRow("one") << 1 << 0;
         QTest::newRow("at the limit") << V2VORLimits::kMaxExtensionsPerCall << 0;
-        QTest::newRow("one over") << V2VORLimits::kMaxExtensionsPerCall + 1 << int(V2VOR_ERR_EXTENSION_TOO_MANY_IN_CALL);
+        QTest::newRow("one over") << V2VORLimits::kMaxExtensionsPerCall + 1
+                                  << int(V2VOR_ERR_EXTENSION_TOO_MANY_IN_CALL);
     }
     void callSize()
     {
@@ -74,11 +75,30 @@ private Q_SLOTS:
         QTest::addColumn<QString>("peer");
         QTest::addColumn<QString>("showName");
         QTest::addColumn<QString>("faceURL");
-        QTest::newRow("named group") << true << "Picnic" << "amy" << "group_k" << "" << "Picnic" << "group.png";
-        QTest::newRow("unnamed group shows its ID") << true << "" << "amy" << "group_k" << "" << "k" << "group.png";
-        QTest::newRow("first member sees the second")
-            << false << "" << "amy" << "c2c_bob" << "bob" << "Bobby" << "bob.png";
-        QTest::newRow("second member sees the first") << false << "" << "bob" << "c2c_amy" << "amy" << "amy" << "";
+        QTest::newRow("named group") << true << "Picnic"
+                                     << "amy"
+                                     << "group_k"
+                                     << ""
+                                     << "Picnic"
+                                     << "group.png";
+        QTest::newRow("unnamed group shows its ID") << true << ""
+                                                    << "amy"
+                                                    << "group_k"
+                                                    << ""
+                                                    << "k"
+                                                    << "group.png";
+        QTest::newRow("first member sees the second") << false << ""
+                                                      << "amy"
+                                                      << "c2c_bob"
+                                                      << "bob"
+                                                      << "Bobby"
+                                                      << "bob.png";
+        QTest::newRow("second member sees the first") << false << ""
+                                                      << "bob"
+                                                      << "c2c_amy"
+                                                      << "amy"
+                                                      << "amy"
+                                                      << "";
     }
     void conversationAs()
     {

@@ -1,5 +1,6 @@
 #include "server/nats/NatsDirectory.h"
 
+#include "sdk/ServiceRules.h"
 #include "server/nats/NatsKeyCodec.h"
 
 #include <QJsonArray>
@@ -113,6 +114,22 @@ bool NatsDirectory::isMember(const QString &conversationKey, const QString &user
     for (const QString &member : found->members)
         known.insert(member);
     return known.contains(userID);
+}
+
+QStringList NatsDirectory::members(const QString &conversationKey)
+{
+    const std::optional<Conversation> found = conversation(conversationKey);
+    return found ? found->members : QStringList();
+}
+
+CallError NatsDirectory::checkGroupMember(const QString &userID, const QString &groupID)
+{
+    if (!groupID.isEmpty() && isMember(groupID, userID) && !groupID.startsWith(QLatin1String("c2c:")))
+        return {};
+    const std::optional<Conversation> group = groupID.isEmpty() ? std::nullopt : conversation(groupID);
+    if (!group || !group->isGroup)
+        return ServiceRules::groupNotFound(groupID);
+    return ServiceRules::notGroupMember(userID, groupID);
 }
 
 QStringList NatsDirectory::conversationsOf(const QString &userID) const

@@ -16,6 +16,7 @@
 // remembered in memory.
 #pragma once
 
+#include "sdk/ServiceReply.h"
 #include "server/nats/NatsStore.h"
 
 #include <QHash>
@@ -52,6 +53,10 @@ public:
     /// Applies `change` to the conversation (a new group when absent); true when it was new.
     bool changeConversation(const QString &key, const std::function<void(Conversation &)> &change);
     bool isMember(const QString &key, const QString &userID);
+    /// The members of the conversation (none when it does not exist).
+    QStringList members(const QString &key);
+    /// Refuses a group that does not exist (one-to-one chats are no groups) or a non-member.
+    CallError checkGroupMember(const QString &userID, const QString &groupID);
     /// The conversations `userID` belongs to.
     QStringList conversationsOf(const QString &userID) const;
     void addMember(const QString &key, const QString &userID, const QString &nameCard);
