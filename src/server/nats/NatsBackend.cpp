@@ -62,6 +62,7 @@ NatsBackend::NatsBackend(std::unique_ptr<NatsStore> store)
     , m_messages(std::make_unique<NatsMessages>(*m_store, *m_directory, *m_events))
     , m_conversations(std::make_unique<NatsConversations>(*m_directory, *m_messages, *m_events))
 {
+    m_events->setRemoteObserver([this](const QJsonObject &event) { learnExtensions(event); });
 }
 
 NatsBackend::~NatsBackend() = default;
@@ -194,12 +195,15 @@ void NatsBackend::setExtensions(MessagingSession *caller, const QString &msgID,
         if (reply.error)
             return reply;
         QList<V2VORMessageExtension> changed;
+        QHash<QString, quint64> firstWritten;
         QHash<QString, quint64> seen = seenVersions;
         for (const V2VORMessageExtension &extension : extensions) {
             const QString &key = extension.extensionKey;
             const NatsExtensions::Outcome outcome = m_extensions->set(msgID, extension, seen.value(key));
-            if (outcome.changed)
+            if (outcome.changed) {
                 changed.append(extension);
+                firstWritten.insert(key, outcome.firstWritten);
+            }
             if (outcome.result.resultCode == V2VOR_SUCC
                 || outcome.result.resultCode == V2VOR_ERR_EXTENSION_VERSION_CONFLICT) {
                 seen.insert(key, outcome.version);
@@ -207,7 +211,7 @@ void NatsBackend::setExtensions(MessagingSession *caller, const QString &msgID,
             }
             reply.results.append(outcome.result);
         }
-        publishExtensionChange(msgID, conversation, changed, {}, reply.versions);
+        publishExtensionChange(msgID, conversation, changed, {}, reply.versions, firstWritten);
         return reply;
     });
 }
@@ -239,19 +243,41 @@ void NatsBackend::deleteExtensions(
 }
 
 void NatsBackend::publishExtensionChange(const QString &msgID, const QString &conversation,
-    const QList<V2VORMessageExtension> &changed, const QStringList &deleted, const QHash<QString, quint64> &versions)
+    const QList<V2VORMessageExtension> &changed, const QStringList &deleted, const QHash<QString, quint64> &versions,
+    const QHash<QString, quint64> &firstWritten)
 {
     if (changed.isEmpty() && deleted.isEmpty())
         return;
     QJsonObject data { { QStringLiteral("msgID"), msgID },
         { QStringLiteral("versions"), ServiceProtocol::toJson(versions) } };
-    if (!changed.isEmpty())
+    if (!changed.isEmpty()) {
         data.insert(QStringLiteral("extensions"), ServiceProtocol::toJson(changed));
-    else
+        data.insert(QStringLiteral("firstWritten"), ServiceProtocol::toJson(firstWritten));
+    } else
         data.insert(QStringLiteral("keys"), QJsonArray::fromStringList(deleted));
     const QJsonObject shared = NatsEvents::event(
         changed.isEmpty() ? QStringLiteral("extensionsDeleted") : QStringLiteral("extensionsChanged"), data);
     m_events->emitEvent(m_directory->members(conversation), [&](const QString &) { return shared; });
+}
+
+void NatsBackend::learnExtensions(const QJsonObject &event)
+{
+    const QString name = event.value(QLatin1String("ev")).toString();
+    const bool deleted = name == QLatin1String("extensionsDeleted");
+    if (!deleted && name != QLatin1String("extensionsChanged"))
+        return;
+    const QJsonObject data = event.value(QLatin1String("data")).toObject();
+    const QString msgID = data.value(QLatin1String("msgID")).toString();
+    const auto versions = ServiceProtocol::versionsFromJson(data.value(QLatin1String("versions")));
+    const auto firstWritten = ServiceProtocol::versionsFromJson(data.value(QLatin1String("firstWritten")));
+    if (!versions)
+        return;
+    for (auto version = versions->cbegin(); version != versions->cend(); ++version) {
+        // A key answered as a conflict was not written: nothing is known of its first write.
+        if (deleted || (firstWritten && firstWritten->contains(version.key())))
+            m_extensions->learn(
+                msgID, version.key(), version.value(), deleted ? 0 : firstWritten->value(version.key()));
+    }
 }
 
 // Conversations and users.

@@ -14,6 +14,7 @@
 
 #include "sdk/MessagingBackend.h"
 
+#include <QJsonObject>
 #include <memory>
 
 class NatsConversations;
@@ -78,9 +79,12 @@ private:
 
     /// Finds the conversation of a message whose extensions `userID` may read and write.
     CallError checkExtensionAccess(const QString &userID, const QString &msgID, QString *conversation);
+    /// Tells the members; other servers also learn where each written key's life began.
     void publishExtensionChange(const QString &msgID, const QString &conversation,
         const QList<V2VORMessageExtension> &changed, const QStringList &deleted,
-        const QHash<QString, quint64> &versions);
+        const QHash<QString, quint64> &versions, const QHash<QString, quint64> &firstWritten = {});
+    /// Remembers what another server's extension event says of each key.
+    void learnExtensions(const QJsonObject &event);
 
     std::unique_ptr<NatsStore> m_store;
     std::unique_ptr<NatsDirectory> m_directory;
