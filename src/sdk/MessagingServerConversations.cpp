@@ -4,15 +4,9 @@
 #include "sdk/MessagingServerPrivate.h"
 
 #include "platform/MainQueue.h"
+#include "sdk/ServiceRules.h"
 
 #include <algorithm>
-
-QString MessagingServer::Private::directConversationKey(QString a, QString b)
-{
-    if (b < a)
-        std::swap(a, b);
-    return QStringLiteral("c2c:%1|%2").arg(a, b);
-}
 
 ServiceReply<QList<V2VORMessagePtr>> MessagingServer::Private::historyOf(
     const QString &conversation, const QString &userID, int count, quint64 beforeSeq) const
@@ -29,28 +23,19 @@ ServiceReply<QList<V2VORMessagePtr>> MessagingServer::Private::directHistory(
     const QString &userID, const QString &peerID, int count, quint64 beforeSeq) const
 {
     if (peerID.isEmpty() || !users.contains(peerID))
-        return { { V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(peerID) } };
-    return historyOf(directConversationKey(userID, peerID), userID, count, beforeSeq);
+        return { ServiceRules::userNotFound(peerID) };
+    return historyOf(ServiceRules::directConversationKey(userID, peerID), userID, count, beforeSeq);
 }
 
 V2VORConversation MessagingServer::Private::conversationAs(const QString &key, const QString &viewer) const
 {
     const Conversation &conversation = conversations[key];
-    V2VORConversation seen;
-    seen.type = conversation.isGroup ? V2VOR_GROUP : V2VOR_C2C;
-    if (conversation.isGroup) {
-        seen.groupID = key;
-        seen.conversationID = QStringLiteral("group_") + key;
-        seen.showName = conversation.name.isEmpty() ? key : conversation.name;
-        seen.faceURL = conversation.faceURL;
-    } else {
-        const QStringList &members = conversation.members;
-        seen.userID = members.value(members.indexOf(viewer) == 0 ? 1 : 0);
-        seen.conversationID = QStringLiteral("c2c_") + seen.userID;
-        const User peer = users.value(seen.userID);
-        seen.showName = peer.nickName.isEmpty() ? seen.userID : peer.nickName;
-        seen.faceURL = peer.faceURL;
-    }
+    V2VORConversation seen = ServiceRules::conversationAs(
+        { key, conversation.isGroup, conversation.members, conversation.name, conversation.faceURL }, viewer,
+        [this](const QString &userID) {
+            const User user = users.value(userID);
+            return ServiceRules::Profile { user.nickName, user.faceURL };
+        });
     if (!conversation.messageIDs.isEmpty())
         seen.lastMessage = copyFor(conversation.messageIDs.constLast(), viewer);
     for (qsizetype i = qsizetype(conversation.readSeq.value(viewer)); i < conversation.messageIDs.size(); ++i) {
@@ -68,10 +53,7 @@ QList<V2VORConversation> MessagingServer::Private::conversationList(const QStrin
         if (it->members.contains(userID))
             list.append(conversationAs(it.key(), userID));
     }
-    // Equal keys (groups never active) fall back to the ID, so every client lists alike.
-    std::sort(list.begin(), list.end(), [](const V2VORConversation &a, const V2VORConversation &b) {
-        return a.orderKey != b.orderKey ? a.orderKey > b.orderKey : a.conversationID < b.conversationID;
-    });
+    ServiceRules::sortConversations(list);
     return list;
 }
 
@@ -98,8 +80,8 @@ CallError MessagingServer::Private::markGroupRead(const QString &userID, const Q
 CallError MessagingServer::Private::markDirectRead(const QString &userID, const QString &peerID)
 {
     if (peerID.isEmpty() || !users.contains(peerID))
-        return { V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(peerID) };
-    const QString key = directConversationKey(userID, peerID);
+        return ServiceRules::userNotFound(peerID);
+    const QString key = ServiceRules::directConversationKey(userID, peerID);
     if (conversations.contains(key))
         markRead(key, userID);
     return {};

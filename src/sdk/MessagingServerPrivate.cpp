@@ -1,17 +1,9 @@
 #include "sdk/MessagingServerPrivate.h"
 
 #include "platform/MainQueue.h"
+#include "sdk/ServiceRules.h"
 
 #include <algorithm>
-
-namespace {
-
-CallError error(int code, const QString &desc)
-{
-    return { code, desc };
-}
-
-} // namespace
 
 std::optional<CallError> MessagingServer::Private::admit(const QStringList &operations)
 {
@@ -34,21 +26,9 @@ CallError MessagingServer::Private::checkConversation(const QString &userID, con
 {
     auto conversation = conversations.constFind(groupID);
     if (groupID.isEmpty() || conversation == conversations.constEnd() || !conversation->isGroup)
-        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("group \"%1\" does not exist").arg(groupID));
+        return ServiceRules::groupNotFound(groupID);
     if (!conversation->members.contains(userID))
-        return error(V2VOR_ERR_NOT_GROUP_MEMBER,
-            QStringLiteral("user \"%1\" is not a member of group \"%2\"").arg(userID, groupID));
-    return {};
-}
-
-CallError MessagingServer::Private::checkBody(const V2VORMessage &message)
-{
-    const qsizetype bytes = message.customElem() ? message.customElem()->data.size() : message.text().toUtf8().size();
-    if (bytes > V2VORLimits::kMaxMessageBodyBytes)
-        return error(V2VOR_ERR_MESSAGE_BODY_TOO_LARGE,
-            QStringLiteral("message body of %1 bytes exceeds %2 bytes")
-                .arg(bytes)
-                .arg(V2VORLimits::kMaxMessageBodyBytes));
+        return ServiceRules::notGroupMember(userID, groupID);
     return {};
 }
 
@@ -57,7 +37,7 @@ QString MessagingServer::Private::conversationFor(
 {
     if (!groupID.isEmpty())
         return groupID;
-    const QString id = directConversationKey(sender, receiver);
+    const QString id = ServiceRules::directConversationKey(sender, receiver);
     Conversation &conversation = conversations[id];
     conversation.isGroup = false;
     conversation.members = { sender, receiver };
@@ -67,17 +47,15 @@ QString MessagingServer::Private::conversationFor(
 CallError MessagingServer::Private::checkSend(
     const QString &sender, const V2VORMessagePtr &message, const QString &receiver, const QString &groupID) const
 {
-    if (!message)
-        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("no message to send"));
-    if (groupID.isEmpty() && receiver.isEmpty())
-        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("a message needs a receiver or a group"));
+    if (const CallError refused = ServiceRules::checkAddress(message, receiver, groupID))
+        return refused;
     if (groupID.isEmpty() && !users.contains(receiver))
-        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("user \"%1\" does not exist").arg(receiver));
+        return ServiceRules::userNotFound(receiver);
     if (!groupID.isEmpty()) {
         if (const CallError refused = checkConversation(sender, groupID))
             return refused;
     }
-    return checkBody(*message);
+    return ServiceRules::checkBody(*message);
 }
 
 ServiceReply<V2VORMessagePtr> MessagingServer::Private::send(MessagingSession *caller, const QString &sender,
@@ -125,16 +103,13 @@ ServiceReply<V2VORMessagePtr> MessagingServer::Private::modify(const QString &us
 {
     auto stored = messages.find(message.msgID());
     if (stored == messages.end())
-        return { error(
-            V2VOR_ERR_MESSAGE_NOT_FOUND, QStringLiteral("message \"%1\" does not exist").arg(message.msgID())) };
+        return { ServiceRules::messageNotFound(message.msgID()) };
     if (!conversations.value(stored->conversation).members.contains(userID))
-        return { error(V2VOR_ERR_NOT_GROUP_MEMBER, QStringLiteral("only members may modify this message")) };
-    if (const CallError refused = checkBody(message))
+        return { ServiceRules::notMemberToModify() };
+    if (const CallError refused = ServiceRules::checkBody(message))
         return { refused };
     if (message.messageVersion() < stored->message->messageVersion())
-        return { error(V2VOR_ERR_MESSAGE_MODIFY_CONFLICT,
-                     QStringLiteral("message was modified since this copy was taken")),
-            copyFor(message.msgID(), userID) };
+        return { ServiceRules::modifiedMeanwhile(), copyFor(message.msgID(), userID) };
 
     if (message.customElem())
         stored->message->setCustomElem(std::make_unique<V2VORCustomElem>(*message.customElem()));
@@ -155,8 +130,7 @@ ServiceReply<QString> MessagingServer::Private::messageAt(
         return { refused };
     const QStringList &ids = conversations.value(groupID).messageIDs;
     if (seq < 1 || seq > quint64(ids.size()))
-        return { error(V2VOR_ERR_MESSAGE_NOT_FOUND,
-            QStringLiteral("group \"%1\" has no message with sequence %2").arg(groupID).arg(seq)) };
+        return { ServiceRules::noMessageAt(groupID, seq) };
     return { {}, ids.at(qsizetype(seq - 1)) };
 }
 
@@ -164,13 +138,11 @@ CallError MessagingServer::Private::checkExtensionAccess(const QString &userID, 
 {
     auto stored = messages.constFind(msgID);
     if (stored == messages.constEnd())
-        return error(V2VOR_ERR_MESSAGE_NOT_FOUND, QStringLiteral("message \"%1\" does not exist").arg(msgID));
+        return ServiceRules::messageNotFound(msgID);
     if (!stored->message->supportMessageExtension())
-        return error(V2VOR_ERR_EXTENSION_NOT_SUPPORTED,
-            QStringLiteral("message \"%1\" was not sent with extension support").arg(msgID));
+        return ServiceRules::extensionsNotSupported(msgID);
     if (!conversations.value(stored->conversation).members.contains(userID))
-        return error(V2VOR_ERR_NOT_GROUP_MEMBER,
-            QStringLiteral("user \"%1\" is not a member of the message's group").arg(userID));
+        return ServiceRules::notMemberOfMessageGroup(userID);
     return {};
 }
 
@@ -199,28 +171,12 @@ std::optional<V2VORMessageExtensionResult> MessagingServer::Private::injectedKey
     return result;
 }
 
-namespace {
-
-CallError checkCallSize(qsizetype count)
-{
-    if (count == 0)
-        return error(V2VOR_ERR_INVALID_PARAMETERS, QStringLiteral("no extensions given"));
-    if (count > V2VORLimits::kMaxExtensionsPerCall)
-        return error(V2VOR_ERR_EXTENSION_TOO_MANY_IN_CALL,
-            QStringLiteral("%1 extensions in one call; at most %2 are allowed")
-                .arg(count)
-                .arg(V2VORLimits::kMaxExtensionsPerCall));
-    return {};
-}
-
-} // namespace
-
 ExtensionReply MessagingServer::Private::setExtensions(const QString &userID, const QString &msgID,
     const QList<V2VORMessageExtension> &extensions, const QHash<QString, quint64> &seenVersions)
 {
     ExtensionReply reply;
     reply.msgID = msgID;
-    reply.error = checkCallSize(extensions.size());
+    reply.error = ServiceRules::checkCallSize(extensions.size());
     if (!reply.error)
         reply.error = checkExtensionAccess(userID, msgID);
     if (reply.error)
@@ -251,7 +207,7 @@ ExtensionReply MessagingServer::Private::deleteExtensions(
 {
     ExtensionReply reply;
     reply.msgID = msgID;
-    reply.error = checkCallSize(keys.size());
+    reply.error = ServiceRules::checkCallSize(keys.size());
     if (!reply.error)
         reply.error = checkExtensionAccess(userID, msgID);
     if (reply.error)
@@ -323,8 +279,7 @@ V2VORMessagePtr MessagingServer::Private::copyFor(const QString &msgID, const QS
     V2VORMessagePtr copy = stored->message->clone();
     copy->setIsSelf(copy->sender() == userID);
     if (copy->groupID().isEmpty()) {
-        const QStringList members = conversations.value(stored->conversation).members;
-        copy->setUserID(members.value(members.indexOf(userID) == 0 ? 1 : 0));
+        copy->setUserID(ServiceRules::peerOf(conversations.value(stored->conversation).members, userID));
     }
     return copy;
 }

@@ -72,8 +72,6 @@ public:
     ServiceReply<QList<V2VORGroupMemberFullInfo>> members(
         const QString &userID, const QString &groupID, const QStringList &memberIDs) const;
     QList<V2VORUserFullInfo> usersInfo(const QStringList &userIDs) const;
-    /// The key of the one-to-one conversation of two users, whichever way round.
-    static QString directConversationKey(QString a, QString b);
     /// The service's message as `userID` would hold it; null when there is none.
     V2VORMessagePtr copyFor(const QString &msgID, const QString &userID) const;
 
@@ -105,7 +103,6 @@ private:
         const QString &sender, const V2VORMessagePtr &message, const QString &receiver, const QString &groupID) const;
     CallError checkConversation(const QString &userID, const QString &groupID) const;
     CallError checkExtensionAccess(const QString &userID, const QString &msgID) const;
-    static CallError checkBody(const V2VORMessage &message);
     QString conversationFor(const QString &sender, const QString &receiver, const QString &groupID);
     /// Hands an event to every logged-in session of the conversation's members but `except`.
     void publish(const QString &conversation, const EventFactory &factory, MessagingSession *except = nullptr);

@@ -229,6 +229,77 @@ private Q_SLOTS:
         QCOMPARE(listed.versions.value(QStringLiteral("a")), written.versions.value(QStringLiteral("a")));
     }
 
+    // A server remembers where each key's life began at the version it last saw. A key
+    // deleted and written anew elsewhere began again: writing over it keeps the new beginning,
+    // whether this server heard of the change from events or only finds out by reading.
+    void rewrittenKeyKeepsItsNewBeginning_data()
+    {
+        QTest::addColumn<bool>("heardEvents");
+        QTest::addColumn<bool>("staleWriteFirst");
+        QTest::newRow("events heard") << true << true;
+        QTest::newRow("stale view first") << false << true;
+        // As a client that read the new version through another server.
+        QTest::newRow("version learned elsewhere") << false << false;
+    }
+    void rewrittenKeyKeepsItsNewBeginning()
+    {
+        QFETCH(bool, heardEvents);
+        QFETCH(bool, staleWriteFirst);
+        const QString msgID = QStringLiteral("n1");
+        const QString k = QStringLiteral("k");
+        send(*m_one, m_amy, note(msgID));
+        QHash<QString, quint64> seen = set(*m_one, m_amy, msgID, { { k, QStringLiteral("1") } }).versions;
+        seen.insert(set(*m_one, m_amy, msgID, { { QStringLiteral("j"), QStringLiteral("2") } }).versions);
+        const auto removed
+            = capture<ExtensionReply>([&](auto done) { m_two->deleteExtensions(&m_bob, msgID, { k }, done); });
+        const auto again = set(*m_two, m_bob, msgID, { { k, QStringLiteral("3") } }, removed.versions);
+        QCOMPARE(again.results.first().resultCode, 0);
+        if (heardEvents)
+            QTRY_COMPARE(m_amy.deleted.size(), 1);
+        // Amy's old view loses; the answer brings the current version, which then wins.
+        if (staleWriteFirst) {
+            const auto stale = set(*m_one, m_amy, msgID, { { k, QStringLiteral("4") } }, seen);
+            QCOMPARE(stale.results.first().resultCode, int(V2VOR_ERR_EXTENSION_VERSION_CONFLICT));
+            QCOMPARE(stale.versions.value(k), again.versions.value(k));
+        }
+        QCOMPARE(
+            set(*m_one, m_amy, msgID, { { k, QStringLiteral("5") } }, again.versions).results.first().resultCode, 0);
+
+        const auto listed = capture<ExtensionReply>([&](auto done) { m_two->getExtensions(&m_bob, msgID, done); });
+        QCOMPARE(listed.extensions.size(), 2);
+        QCOMPARE(listed.extensions.at(0).extensionKey, QStringLiteral("j"));
+        QCOMPARE(listed.extensions.at(1).extensionValue, QStringLiteral("5"));
+    }
+
+    // Members are remembered; one added on another server may act at once and, once the
+    // other server has heard of the change, hears its writes too.
+    void memberAddedElsewhereActsAndHears()
+    {
+        const QString msgID = QStringLiteral("n1");
+        send(*m_one, m_amy, note(msgID));
+        QCOMPARE(
+            set(*m_one, m_amy, msgID, { { QStringLiteral("warm"), QStringLiteral("1") } }).results.first().resultCode,
+            0);
+        capture<CallError>(
+            [&](auto done) { m_two->addGroupMember(nullptr, QStringLiteral("g"), QStringLiteral("carol"), {}, done); });
+        Session carolHere;
+        login(*m_one, carolHere, QStringLiteral("carol"));
+        QCOMPARE(set(*m_one, carolHere, msgID, { { QStringLiteral("c"), QStringLiteral("1") } }).error.code, 0);
+        m_one->detach(&carolHere);
+
+        capture<CallError>(
+            [&](auto done) { m_two->addGroupMember(nullptr, QStringLiteral("g"), QStringLiteral("dave"), {}, done); });
+        Session dave;
+        login(*m_two, dave, QStringLiteral("dave"));
+        int attempt = 0;
+        QTRY_VERIFY([&] {
+            set(*m_one, m_amy, msgID, { { QStringLiteral("d%1").arg(++attempt), QStringLiteral("x") } });
+            QCoreApplication::processEvents();
+            return !dave.changed.isEmpty();
+        }());
+        m_two->detach(&dave);
+    }
+
     void staleModificationGetsTheCurrentMessage()
     {
         const V2VORMessagePtr sent = send(*m_one, m_amy, note(QStringLiteral("n1"))).value;

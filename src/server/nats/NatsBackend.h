@@ -2,39 +2,26 @@
 // each with its own NatsBackend on the same NATS, form one service with the rules of the
 // in-process one (same codes, same events, same order of events before callbacks).
 //
-// Storage (all buckets are key/value buckets on file storage, history 1):
-//   vor_messages    m.<conversation>.<seq>  {"conversation", "message": protocol JSON}
-//                   id.<message ID>         {"conversation", "seq"}
-//                   A send claims the next sequence by creating m.<conversation>.<seq> only
-//                   if absent (a taken one moves on to seq + 1), so sequences are dense and
-//                   every server agrees on them. A modification is an update checked
-//                   against the revision it read: a stale one answers 8006 with the current
-//                   message. Two servers taking the same new message ID at the same moment
-//                   would both store it; the index names the first.
-//   vor_extensions  see NatsExtensions.h (revisions are extension versions)
-//   vor_directory   see NatsDirectory.h (users, conversations, read marks, order keys)
+// Storage (key/value buckets on file storage, history 1): messages in "vor_messages" (see
+// NatsMessages.h), extensions in "vor_extensions" (NatsExtensions.h; revisions are extension
+// versions), users, conversations and read marks in "vor_directory" (NatsDirectory.h).
 // Conversation keys are the group ID, or "c2c:<a>|<b>" for a one-to-one chat; every ID in a
-// key is a NatsKeyCodec token.
-//
-// Events: each member's own copy of an event is published on "vor.user.<user>"; a server
-// subscribes to the subjects of the users logged in on its sessions (counted per user), so
-// joining a group needs no new subscription. A server hands its own changes to its own
-// sessions directly, before the callback, and ignores the echo of its publications.
+// key is a NatsKeyCodec token. Events travel as NatsEvents.h describes.
 //
 // Threading: every operation runs on the main thread as a few blocking round trips and
-// answers inside the call; subscription messages reach the main thread through a queued
-// call. What never changes (where a message lives, whether it takes extensions, a group's
-// members once seen) is cached in memory.
+// answers inside the call; subscription messages reach the main thread through a queued call.
 #pragma once
 
 #include "sdk/MessagingBackend.h"
 
-#include <QHash>
 #include <QJsonObject>
 #include <memory>
 
+class NatsConversations;
 class NatsDirectory;
+class NatsEvents;
 class NatsExtensions;
+class NatsMessages;
 class NatsStore;
 
 class NatsBackend : public MessagingBackend
@@ -88,57 +75,21 @@ public:
         const QString &remark, Done done) override;
 
 private:
-    struct Stored;
-    struct Home
-    {
-        QString conversation;
-        quint64 seq = 0;
-        bool supportsExtensions = false;
-    };
-    using EventFor = std::function<QJsonObject(const QString &viewer)>;
-
     explicit NatsBackend(std::unique_ptr<NatsStore> store);
 
-    CallError checkConversation(const QString &userID, const QString &groupID);
-    CallError checkExtensionAccess(const QString &userID, const QString &msgID, Home *home);
-    std::optional<Home> locate(const QString &msgID);
-    std::optional<Stored> load(const QString &conversation, quint64 seq) const;
-    V2VORMessagePtr copyFor(const Stored &stored, const QString &conversation, const QString &viewer);
-    QStringList membersOf(const QString &conversation);
-    quint64 topSeq(const QString &conversation);
-    quint64 claimSeq(const QString &conversation, V2VORMessage &message);
-    ServiceReply<V2VORMessagePtr> storeNew(MessagingSession *caller, const QString &sender,
-        const V2VORMessagePtr &message, const QString &receiver, const QString &groupID);
-    ServiceReply<QList<V2VORMessagePtr>> historyOf(
-        const QString &conversation, const QString &userID, int count, quint64 beforeSeq);
-    V2VORConversation conversationAs(const QString &conversation, const QString &viewer);
-    void markRead(const QString &conversation, const QString &userID);
-
-    /// Hands each viewer's event to their sessions here (but `except`) and to other servers.
-    void emitEvent(const QStringList &viewers, const EventFor &eventFor, MessagingSession *except = nullptr);
-    void deliver(const QString &viewer, const QJsonObject &event, MessagingSession *except);
-    void onRemoteEvent(const QByteArray &payload);
-    void publishConversation(const QString &conversation, const QStringList &viewers);
+    /// Finds the conversation of a message whose extensions `userID` may read and write.
+    CallError checkExtensionAccess(const QString &userID, const QString &msgID, QString *conversation);
+    /// Tells the members; other servers also learn where each written key's life began.
     void publishExtensionChange(const QString &msgID, const QString &conversation,
         const QList<V2VORMessageExtension> &changed, const QStringList &deleted,
-        const QHash<QString, quint64> &versions);
-    void listen(MessagingSession *session, const QString &userID);
-    void stopListening(MessagingSession *session);
+        const QHash<QString, quint64> &versions, const QHash<QString, quint64> &firstWritten = {});
+    /// Remembers what another server's extension event says of each key.
+    void learnExtensions(const QJsonObject &event);
 
     std::unique_ptr<NatsStore> m_store;
     std::unique_ptr<NatsDirectory> m_directory;
+    std::unique_ptr<NatsEvents> m_events;
     std::unique_ptr<NatsExtensions> m_extensions;
-    QList<MessagingSession *> m_attached;
-    /// session -> the user whose events it hears
-    QHash<MessagingSession *, QString> m_listening;
-    struct UserSubscription
-    {
-        quint64 id = 0;
-        int sessions = 0;
-    };
-    QHash<QString, UserSubscription> m_subscriptions;
-    QHash<QString, Home> m_homes;
-    QHash<QString, quint64> m_knownTop;
-    /// "conversation/seq" -> sender, for unread counts.
-    QHash<QString, QString> m_senders;
+    std::unique_ptr<NatsMessages> m_messages;
+    std::unique_ptr<NatsConversations> m_conversations;
 };

@@ -1,5 +1,6 @@
 #include "server/nats/NatsDirectory.h"
 
+#include "sdk/ServiceRules.h"
 #include "server/nats/NatsKeyCodec.h"
 
 #include <QJsonArray>
@@ -55,6 +56,38 @@ NatsDirectory::Conversation conversationOf(const QByteArray &value)
 NatsDirectory::NatsDirectory(NatsStore &store)
     : m_store(store)
 {
+    m_watch = m_store.watchWrites(
+        NatsStore::Directory, "conv", [this](const QByteArray &recordKey, const QByteArray &value) {
+            const std::optional<QString> conversationKey
+                = NatsKeyCodec::decode(recordKey.mid(recordKey.indexOf('.') + 1));
+            if (conversationKey && !value.isEmpty())
+                learnMembers(*conversationKey, conversationOf(value).members);
+        });
+}
+
+NatsDirectory::~NatsDirectory()
+{
+    m_store.unsubscribe(m_watch);
+}
+
+void NatsDirectory::learnMembers(const QString &conversationKey, const QStringList &members)
+{
+    if (members.isEmpty())
+        return;
+    QStringList &known = m_knownMembers[conversationKey];
+    for (const QString &member : members) {
+        if (!known.contains(member))
+            known.append(member);
+    }
+}
+
+QStringList NatsDirectory::knownMembers(const QString &conversationKey)
+{
+    auto known = m_knownMembers.constFind(conversationKey);
+    if (known != m_knownMembers.constEnd())
+        return *known;
+    learnMembers(conversationKey, conversation(conversationKey).value_or(Conversation {}).members);
+    return m_knownMembers.value(conversationKey);
 }
 
 std::optional<NatsDirectory::User> NatsDirectory::user(const QString &userID) const
@@ -97,22 +130,35 @@ bool NatsDirectory::changeConversation(
         const NatsStore::Entry entry = m_store.get(NatsStore::Directory, recordKey);
         Conversation conversation = entry.ok() ? conversationOf(entry.value) : Conversation {};
         change(conversation);
-        if (m_store.update(NatsStore::Directory, recordKey, toBytes(conversation), entry.revision).ok())
+        if (m_store.update(NatsStore::Directory, recordKey, toBytes(conversation), entry.revision).ok()) {
+            learnMembers(conversationKey, conversation.members);
             return !entry.ok();
+        }
     }
 }
 
 bool NatsDirectory::isMember(const QString &conversationKey, const QString &userID)
 {
-    QSet<QString> &known = m_knownMembers[conversationKey];
-    if (known.contains(userID))
+    if (m_knownMembers.value(conversationKey).contains(userID))
         return true;
-    const std::optional<Conversation> found = conversation(conversationKey);
-    if (!found)
-        return false;
-    for (const QString &member : found->members)
-        known.insert(member);
-    return known.contains(userID);
+    // Perhaps added on another server a moment ago.
+    learnMembers(conversationKey, conversation(conversationKey).value_or(Conversation {}).members);
+    return m_knownMembers.value(conversationKey).contains(userID);
+}
+
+QStringList NatsDirectory::members(const QString &conversationKey)
+{
+    return knownMembers(conversationKey);
+}
+
+CallError NatsDirectory::checkGroupMember(const QString &userID, const QString &groupID)
+{
+    if (!groupID.isEmpty() && isMember(groupID, userID) && !groupID.startsWith(QLatin1String("c2c:")))
+        return {};
+    const std::optional<Conversation> group = groupID.isEmpty() ? std::nullopt : conversation(groupID);
+    if (!group || !group->isGroup)
+        return ServiceRules::groupNotFound(groupID);
+    return ServiceRules::notGroupMember(userID, groupID);
 }
 
 QStringList NatsDirectory::conversationsOf(const QString &userID) const

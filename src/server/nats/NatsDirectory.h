@@ -12,14 +12,17 @@
 //   order.<conversation>        empty; its revision is the conversation's order key, so order
 //                               keys grow with every activity across all servers
 //
-// Every ID is one NatsKeyCodec token. Members are never removed, so a membership once seen is
-// remembered in memory.
+// Every ID is one NatsKeyCodec token. Members are never removed, so the members once seen are
+// remembered in memory and kept current by hearing every write to a conversation record, from
+// any server: a known member is confirmed and the members of a known conversation are listed
+// without a round trip. Someone not (yet) known as a member is looked up in the store before
+// being refused.
 #pragma once
 
+#include "sdk/ServiceReply.h"
 #include "server/nats/NatsStore.h"
 
 #include <QHash>
-#include <QSet>
 #include <QStringList>
 #include <functional>
 #include <optional>
@@ -42,6 +45,7 @@ public:
     };
 
     explicit NatsDirectory(NatsStore &store);
+    ~NatsDirectory();
 
     std::optional<User> user(const QString &userID) const;
     void putUser(const QString &userID, const User &user);
@@ -52,6 +56,10 @@ public:
     /// Applies `change` to the conversation (a new group when absent); true when it was new.
     bool changeConversation(const QString &key, const std::function<void(Conversation &)> &change);
     bool isMember(const QString &key, const QString &userID);
+    /// The members of the conversation (none when it does not exist).
+    QStringList members(const QString &key);
+    /// Refuses a group that does not exist (one-to-one chats are no groups) or a non-member.
+    CallError checkGroupMember(const QString &userID, const QString &groupID);
     /// The conversations `userID` belongs to.
     QStringList conversationsOf(const QString &userID) const;
     void addMember(const QString &key, const QString &userID, const QString &nameCard);
@@ -65,6 +73,11 @@ public:
     void touch(const QString &key);
 
 private:
+    /// Adds the members of a conversation record to those known.
+    void learnMembers(const QString &key, const QStringList &members);
+    QStringList knownMembers(const QString &key);
+
     NatsStore &m_store;
-    QHash<QString, QSet<QString>> m_knownMembers;
+    quint64 m_watch = 0;
+    QHash<QString, QStringList> m_knownMembers;
 };

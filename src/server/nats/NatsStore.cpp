@@ -36,7 +36,9 @@ struct NatsStore::Subscription
     natsSubscription *sub = nullptr;
     QObject *relay = nullptr;
     QByteArray origin;
-    Handler handler;
+    /// Where the key starts in a bucket write's subject; -1 for plain subjects.
+    int keyOffset = -1;
+    KeyHandler handler;
 };
 
 std::unique_ptr<NatsStore> NatsStore::connect(const QString &url, QString *error)
@@ -256,16 +258,30 @@ void NatsStore::onMessage(natsConnection *, natsSubscription *, natsMsg *msg, vo
     natsMsgHeader_Get(msg, kOriginHeader, &origin);
     if (!origin || subscription->origin != origin) {
         const QByteArray payload(natsMsg_GetData(msg), natsMsg_GetDataLength(msg));
-        const Handler handler = subscription->handler;
+        const QByteArray key = subscription->keyOffset < 0
+            ? QByteArray()
+            : QByteArray(natsMsg_GetSubject(msg) + subscription->keyOffset);
+        const KeyHandler handler = subscription->handler;
         QMetaObject::invokeMethod(
-            subscription->relay, [handler, payload] { handler(payload); }, Qt::QueuedConnection);
+            subscription->relay, [handler, key, payload] { handler(key, payload); }, Qt::QueuedConnection);
     }
     natsMsg_Destroy(msg);
 }
 
 quint64 NatsStore::subscribe(const QByteArray &subject, Handler handler)
 {
-    auto *subscription = new Subscription { nullptr, m_relay.get(), m_origin, std::move(handler) };
+    return listen(subject, -1, [handler](const QByteArray &, const QByteArray &payload) { handler(payload); });
+}
+
+quint64 NatsStore::watchWrites(Bucket bucket, const QByteArray &prefix, KeyHandler handler)
+{
+    const QByteArray subject = subjectOf(bucket, prefix) + ".*";
+    return listen(subject, int(subjectOf(bucket, {}).size()), std::move(handler));
+}
+
+quint64 NatsStore::listen(const QByteArray &subject, int keyOffset, KeyHandler handler)
+{
+    auto *subscription = new Subscription { nullptr, m_relay.get(), m_origin, keyOffset, std::move(handler) };
     const natsStatus s
         = natsConnection_Subscribe(&subscription->sub, m_connection, subject.constData(), onMessage, subscription);
     // The subscription must be live on the server before the caller relies on hearing it.

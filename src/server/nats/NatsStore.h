@@ -69,6 +69,11 @@ public:
     bool publish(const QByteArray &subject, const QByteArray &payload);
     /// Returns an ID for unsubscribe(); 0 on failure.
     quint64 subscribe(const QByteArray &subject, Handler handler);
+    /// Runs on the main thread with the key and value of one write to a bucket.
+    using KeyHandler = std::function<void(const QByteArray &key, const QByteArray &value)>;
+    /// Hears every write (this store's too) to the keys `prefix` plus one more token, as it
+    /// is made; like subscribe(), for unsubscribe().
+    quint64 watchWrites(Bucket bucket, const QByteArray &prefix, KeyHandler handler);
     void unsubscribe(quint64 id);
 
     /// Why the latest failed call failed.
@@ -76,6 +81,7 @@ public:
 
 private:
     struct Subscription;
+    quint64 listen(const QByteArray &subject, int keyOffset, KeyHandler handler);
     NatsStore() = default;
     bool open(const QString &url);
     Entry write(Bucket bucket, const QByteArray &key, const QByteArray &value, std::optional<quint64> lastRevision,

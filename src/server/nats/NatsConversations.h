@@ -1,0 +1,40 @@
+// The conversations of the NATS-backed service as each member sees them: lists ordered by
+// latest activity, group profiles and members, read marks and unread counts, and the
+// "conversationChanged" events that keep every member's list current. Read marks and order
+// keys live in the directory (see NatsDirectory.h); unread counts come from the messages.
+#pragma once
+
+#include "sdk/ServiceReply.h"
+#include "sdk/V2VORConversation.h"
+#include "sdk/V2VORGroupInfo.h"
+#include "sdk/V2VORGroupMemberFullInfo.h"
+
+class NatsDirectory;
+class NatsEvents;
+class NatsMessages;
+
+class NatsConversations
+{
+public:
+    NatsConversations(NatsDirectory &directory, NatsMessages &messages, NatsEvents &events);
+
+    V2VORConversation conversationAs(const QString &key, const QString &viewer);
+    QList<V2VORConversation> list(const QString &userID);
+    QList<V2VORGroupInfo> groupsInfo(const QString &userID, const QStringList &groupIDs);
+    ServiceReply<QList<V2VORGroupMemberFullInfo>> members(
+        const QString &userID, const QString &groupID, const QStringList &memberIDs);
+
+    CallError markGroupRead(const QString &userID, const QString &groupID);
+    CallError markDirectRead(const QString &userID, const QString &peerID);
+    /// The conversation saw activity: it moves to the top of every member's list.
+    void touched(const QString &key);
+
+private:
+    void markRead(const QString &key, const QString &userID);
+    /// Tells each of `viewers` how the conversation now looks to them.
+    void publish(const QString &key, const QStringList &viewers);
+
+    NatsDirectory &m_directory;
+    NatsMessages &m_messages;
+    NatsEvents &m_events;
+};
