@@ -2,6 +2,7 @@
 
 #include "sdk/LocalBackend.h"
 #include "sdk/MessagingServer.h"
+#include "server/nats/NatsBackend.h"
 #include "server/ServerOptions.h"
 
 StoreFactory::StoreFactory() = default;
@@ -15,12 +16,8 @@ std::unique_ptr<MessagingBackend> StoreFactory::makeStore(const ServerOptions &o
             m_memory = std::make_unique<MessagingServer>();
         return std::make_unique<LocalBackend>(m_memory.get());
     }
-    if (options.store == QLatin1String("nats")) {
-        // NATS: wired to NatsBackend::create(options.natsURL, ...) once that backend lands.
-        if (error)
-            *error = QStringLiteral("NATS store not built in");
-        return nullptr;
-    }
+    if (options.store == QLatin1String("nats"))
+        return NatsBackend::create(options.natsURL, error);
     if (error)
         *error = QStringLiteral("unknown store \"%1\" (memory or nats)").arg(options.store);
     return nullptr;
