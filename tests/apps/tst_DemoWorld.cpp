@@ -6,7 +6,10 @@
 #include "kit/chat/ZIQChatService.h"
 #include "kit/common/ZIQLogin.h"
 #include "plugin/service/ZIQGroupNotePlugin.h"
+#include "sdk/LocalBackend.h"
 #include "sdk/MessagingServer.h"
+#include "server/DirectoryFile.h"
+#include "server/SilentSession.h"
 #include "sdk/V2VORCustomElem.h"
 #include "sdk/V2VORManager.h"
 
@@ -37,6 +40,7 @@ private Q_SLOTS:
     void initTestCase();
     void playNote_data();
     void playNote();
+    void serverWorldIsTheEmbeddedOne();
 };
 
 void tst_DemoWorld::initTestCase()
@@ -94,6 +98,56 @@ void tst_DemoWorld::playNote()
     QCOMPARE(businessIDOf(history.constLast()), QStringLiteral("group_note"));
     for (qsizetype i = 0; i + 1 < history.size(); ++i)
         QCOMPARE(businessIDOf(history.at(i)), QStringLiteral("group_note_tips"));
+}
+
+
+namespace {
+
+/// The users and groups of a service as one user sees them, in one comparable line per item.
+QStringList worldAsSeenBy(MessagingServer &server, const QString &userID)
+{
+    LocalBackend backend(&server);
+    SilentSession viewer(userID);
+    QStringList seen;
+    QStringList groupIDs;
+    backend.groupsInfo(&viewer, { "hike", "books", "family" }, [&](const ServiceReply<QList<V2VORGroupInfo>> &reply) {
+        for (const V2VORGroupInfo &group : reply.value) {
+            seen << group.groupID + " " + group.groupName + " " + group.faceURL;
+            groupIDs << group.groupID;
+        }
+    });
+    for (const QString &groupID : groupIDs) {
+        backend.members(&viewer, groupID, {}, [&](const ServiceReply<QList<V2VORGroupMemberFullInfo>> &reply) {
+            for (const V2VORGroupMemberFullInfo &member : reply.value)
+                seen << groupID + ": " + member.userID + " " + member.nickName + " " + member.faceURL;
+        });
+    }
+    return seen;
+}
+
+} // namespace
+
+void tst_DemoWorld::serverWorldIsTheEmbeddedOne()
+{
+    // The file a server is seeded with for phones on several devices holds the same people and
+    // groups as the demo's own single-window world.
+    QString error;
+    const std::optional<DirectoryFile> file = DirectoryFile::read(QStringLiteral(DEMO_WORLD_FILE), &error);
+    QVERIFY2(file, qPrintable(error));
+    MessagingServer seeded;
+    LocalBackend backend(&seeded);
+    SilentSession operatorSession(QStringLiteral("operator"));
+    std::optional<int> outcome;
+    file->apply(&backend, &operatorSession, [&](const CallError &failure) { outcome = failure.code; });
+    QCOMPARE(outcome.value_or(-1), 0);
+
+    MessagingServer embedded;
+    DemoWorld::createDirectory(embedded);
+    for (const DemoWorld::Person &person : DemoWorld::people()) {
+        const QStringList expected = worldAsSeenBy(embedded, person.userID);
+        QVERIFY(!expected.isEmpty());
+        QCOMPARE(worldAsSeenBy(seeded, person.userID), expected);
+    }
 }
 
 QTEST_MAIN(tst_DemoWorld)
