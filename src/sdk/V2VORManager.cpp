@@ -98,11 +98,13 @@ void V2VORManager::login(const QString &userID, V2VORSucc succ, V2VORFail fail)
             }
             return d->postFailure(fail, error);
         }
-        d->post([this, succ] {
-            if (d->status == V2VOR_STATUS_LOGINING)
-                d->status = V2VOR_STATUS_LOGINED;
-            if (succ)
-                succ();
+        d->learnOwnProfile([this, succ] {
+            d->post([this, succ] {
+                if (d->status == V2VOR_STATUS_LOGINING)
+                    d->status = V2VOR_STATUS_LOGINED;
+                if (succ)
+                    succ();
+            });
         });
     }));
 }
@@ -179,8 +181,13 @@ QString V2VORManager::sendMessage(const V2VORMessagePtr &message, const QString 
     }
     // Who sends it is known at once: a row drawn before the send completes (a line naming its
     // sender) reads the sender from the message.
-    if (message && message->sender().isEmpty())
+    if (message && message->sender().isEmpty()) {
         message->setSender(d->userID);
+        if (d->ownProfile.userID == d->userID) {
+            message->setNickName(d->ownProfile.nickName);
+            message->setFaceURL(d->ownProfile.faceURL);
+        }
+    }
     const SendRecord record { msgID, priority, onlineUserOnly, offlinePushInfo };
     d->backend->send(d.get(), message, receiver, groupID, record,
         d->guarded([this, message, progress, succ, failed](const ServiceReply<V2VORMessagePtr> &reply) {

@@ -61,6 +61,15 @@ void V2VORManager::Private::postOutcome(
     });
 }
 
+void V2VORManager::Private::learnOwnProfile(const std::function<void()> &then)
+{
+    backend->usersInfo(this, { userID }, guarded([this, then](const ServiceReply<QList<V2VORUserFullInfo>> &reply) {
+        if (!reply.error && !reply.value.isEmpty() && reply.value.first().userID == userID)
+            ownProfile = reply.value.first();
+        then();
+    }));
+}
+
 void V2VORManager::Private::remember(const V2VORMessagePtr &copy)
 {
     if (copy && !copy->msgID().isEmpty())

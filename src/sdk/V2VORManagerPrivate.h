@@ -53,6 +53,8 @@ public:
     }
 
     void remember(const V2VORMessagePtr &copy);
+    /// Asks the service for the user's own profile, then runs `then` whatever the answer.
+    void learnOwnProfile(const std::function<void()> &then);
     /// Keeps the messages of a history page and answers the caller with copies of them.
     void replyMessages(
         const ServiceReply<QList<V2VORMessagePtr>> &reply, const MessageListSucc &succ, const V2VORFail &fail);
@@ -79,6 +81,9 @@ public:
     V2VORManager *q;
     std::unique_ptr<MessagingBackend> backend;
     QString token;
+    /// The logged-in user's own profile, once the service told it: a message being sent names
+    /// its sender at once, before any answer comes back across the network.
+    V2VORUserFullInfo ownProfile;
     QString userID;
     int status = V2VOR_STATUS_LOGOUT;
     QHash<QString, V2VORMessagePtr> history;

@@ -97,6 +97,8 @@ private Q_SLOTS:
         note->setSupportMessageExtension(true);
         const CallOutcome<> sending = send(group.client("alice"), note, group.groupID());
         QCOMPARE(note->status(), int(V2VOR_MSG_STATUS_SENDING));
+        // Who sends it is known at once: a row drawn now names its sender.
+        QCOMPARE(note->nickName(), QStringLiteral("Alice"));
         QVERIFY(!note->msgID().isEmpty() && sending.wait());
         QCOMPARE(sending.code(), 0);
         QCOMPARE(note->status(), int(V2VOR_MSG_STATUS_SEND_SUCC));

@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QTest>
 #include <QWebSocket>
+#include <QJsonArray>
 #include <QWebSocketServer>
 #include <functional>
 
@@ -25,6 +26,10 @@ public:
         handlers.insert(QStringLiteral("hello"), [this](const ServiceProtocol::Request &request) {
             const QString user = request.args.value(QStringLiteral("token")).toString();
             reply(request.id, { { QStringLiteral("userID"), user } });
+        });
+        // A client asks who it is right after logging in.
+        handlers.insert(QStringLiteral("usersInfo"), [this](const ServiceProtocol::Request &request) {
+            reply(request.id, { { QStringLiteral("users"), QJsonArray() } });
         });
     }
 

@@ -60,7 +60,7 @@ private Q_SLOTS:
             << QStringList({ "--listen", "localhost" }) << QByteArray("s") << "--listen";
         QTest::newRow("zero burst") << QStringList({ "--burst", "0" }) << QByteArray("s") << "--burst";
         QTest::newRow("unknown store") << QStringList({ "--store", "paper" }) << QByteArray("s") << "unknown store";
-        QTest::newRow("nats") << QStringList({ "--store", "nats" }) << QByteArray("s") << "NATS store not built in";
+        QTest::newRow("nats") << QStringList({ "--store", "nats" }) << QByteArray("s") << "cannot reach NATS";
         QTest::newRow("bad directory") << QStringList({ "--directory", "BADDIR" }) << QByteArray("s")
                                        << "users[0] needs a \"userID\"";
         QTest::newRow("unknown flag") << QStringList({ "--colour" }) << QByteArray("s") << "colour";
