@@ -19,10 +19,11 @@ public:
     /// "nats://127.0.0.1:<port>"
     QString url() const;
     bool restart();
+    /// Kills it without warning; start() brings it back on the same port and store.
+    void kill();
+    bool start();
 
 private:
-    bool start();
-    void kill();
 
     QTemporaryDir m_store;
     QProcess m_process;
