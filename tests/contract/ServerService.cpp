@@ -47,6 +47,8 @@ public:
         return std::make_unique<NetworkBackend>(m_servers.at(size_t(index) % m_servers.size())->url());
     }
 
+    QString storeURL() const override { return m_nats ? m_nats->url() : QString(); }
+
     QString tokenFor(const QString &userID, bool isOperator) const override
     {
         const qint64 inAnHour = qint64(platform::MainQueue::now() / 1000) + 3600;
