@@ -499,7 +499,7 @@ void BM_Saturate(benchmark::State &state)
         table().append(QStringLiteral("saturate  | %1 writes/s whole, %2 raw, ratio %3 | %4 | %5")
                            .arg(tally->writesPerSecond(), 0, 'f', 0)
                            .arg(raw.perSecond, 0, 'f', 0)
-                           .arg(ratio, 0, 'f', 2)
+                           .arg(ratio, 0, 'f', 3)
                            .arg(visibleCell, cpuCell));
     }
 }
