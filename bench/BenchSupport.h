@@ -3,6 +3,7 @@
 // they report beside wall-clock time.
 #pragma once
 
+#include "BenchFigures.h"
 #include "platform/Screen.h"
 #include "platform/SystemFont.h"
 
@@ -10,10 +11,7 @@
 #include <QFile>
 #include <QLoggingCategory>
 
-#include <algorithm>
-#include <ctime>
 #include <unistd.h>
-#include <vector>
 
 /// The process a screen benchmark runs in.
 struct PhoneBenchApplication
@@ -39,23 +37,6 @@ private:
         return argc;
     }
 };
-
-/// Milliseconds of processor time on `clock`: the machine may be busy with other work.
-inline double cpuMs(clockid_t clock = CLOCK_PROCESS_CPUTIME_ID)
-{
-    timespec now {};
-    clock_gettime(clock, &now);
-    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
-}
-
-/// The value below which `fraction` of `values` lie; 0 for none.
-inline double percentile(std::vector<double> values, double fraction)
-{
-    if (values.empty())
-        return 0;
-    std::sort(values.begin(), values.end());
-    return values[std::min(values.size() - 1, size_t(fraction * double(values.size())))];
-}
 
 inline double residentMegabytes()
 {

@@ -27,6 +27,7 @@ public:
     QString startError() const override { return m_error; }
     std::unique_ptr<MessagingBackend> newBackend(int index) override;
     QString tokenFor(const QString &userID, bool isOperator) const override;
+    QString storeURL() const override { return m_nats ? m_nats->url() : QString(); }
 
     /// Backends made from now on reconnect with this back-off.
     void setBackoff(const NetworkConnection::Backoff &backoff) { m_backoff = backoff; }

@@ -17,6 +17,9 @@ public:
     virtual QString startError() const { return {}; }
     /// A backend for a new client. Ways with several servers spread clients over them by `index`.
     virtual std::unique_ptr<MessagingBackend> newBackend(int index) = 0;
+    /// Where the service keeps its state when that is a server of its own (a NATS URL); empty
+    /// otherwise.
+    virtual QString storeURL() const { return {}; }
     /// The proof of identity a client of `userID` presents; empty where none is asked for.
     virtual QString tokenFor(const QString &userID, bool isOperator = false) const
     {
