@@ -300,58 +300,6 @@ private Q_SLOTS:
         m_two->detach(&dave);
     }
 
-    void staleModificationGetsTheCurrentMessage()
-    {
-        const V2VORMessagePtr sent = send(*m_one, m_amy, note(QStringLiteral("n1"))).value;
-        const V2VORMessagePtr first = sent->clone();
-        first->setText(QStringLiteral("by amy"));
-        const auto done
-            = capture<ServiceReply<V2VORMessagePtr>>([&](auto reply) { m_one->modify(&m_amy, *first, reply); });
-        QCOMPARE(done.value->messageVersion(), 1u);
-        QTRY_COMPARE(m_bob.modified.size(), 1);
-
-        const V2VORMessagePtr late = sent->clone();
-        late->setText(QStringLiteral("by bob"));
-        const auto refused
-            = capture<ServiceReply<V2VORMessagePtr>>([&](auto reply) { m_two->modify(&m_bob, *late, reply); });
-        QCOMPARE(refused.error.code, int(V2VOR_ERR_MESSAGE_MODIFY_CONFLICT));
-        QCOMPARE(refused.value->text(), QStringLiteral("by amy"));
-        QVERIFY(!refused.value->isSelf());
-    }
-
-    void limits_data()
-    {
-        QTest::addColumn<int>("count");
-        QTest::addColumn<int>("keyBytes");
-        QTest::addColumn<int>("valueBytes");
-        QTest::addColumn<int>("callCode");
-        QTest::addColumn<int>("keyCode");
-        QTest::newRow("21 in a call") << 21 << 3 << 1 << int(V2VOR_ERR_EXTENSION_TOO_MANY_IN_CALL) << 0;
-        QTest::newRow("none") << 0 << 3 << 1 << int(V2VOR_ERR_INVALID_PARAMETERS) << 0;
-        QTest::newRow("101-byte key") << 1 << 101 << 1 << 0 << int(V2VOR_ERR_EXTENSION_KEY_INVALID);
-        QTest::newRow("100-byte key") << 1 << 100 << 1 << 0 << 0;
-        QTest::newRow("1025-byte value") << 1 << 3 << 1025 << 0 << int(V2VOR_ERR_EXTENSION_VALUE_TOO_LONG);
-        QTest::newRow("1024-byte value") << 1 << 3 << 1024 << 0 << 0;
-    }
-    void limits()
-    {
-        QFETCH(int, count);
-        QFETCH(int, keyBytes);
-        QFETCH(int, valueBytes);
-        QFETCH(int, callCode);
-        QFETCH(int, keyCode);
-        send(*m_one, m_amy, note(QStringLiteral("n1")));
-        QList<V2VORMessageExtension> extensions;
-        for (int i = 0; i < count; ++i)
-            extensions.append(
-                { QString(keyBytes - 2, QLatin1Char('k')) + QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0')),
-                    QString(valueBytes, QLatin1Char('v')) });
-        const auto reply = set(*m_two, m_bob, QStringLiteral("n1"), extensions);
-        QCOMPARE(reply.error.code, callCode);
-        if (!callCode)
-            QCOMPARE(reply.results.first().resultCode, keyCode);
-    }
-
     void liveKeysStopAt300()
     {
         send(*m_one, m_amy, note(QStringLiteral("n1")));
@@ -370,46 +318,6 @@ private Q_SLOTS:
                      .resultCode,
             0);
         QCOMPARE(removed.results.first().resultCode, 0);
-    }
-
-    void nonMembersReadAndWriteNothing()
-    {
-        const V2VORMessagePtr sent = send(*m_one, m_amy, note(QStringLiteral("n1"))).value;
-        const int refused = V2VOR_ERR_NOT_GROUP_MEMBER;
-        QCOMPARE(send(*m_two, m_carol, note(QStringLiteral("n2"))).error.code, refused);
-        QCOMPARE(
-            set(*m_two, m_carol, QStringLiteral("n1"), { { QStringLiteral("k"), QStringLiteral("v") } }).error.code,
-            refused);
-        QCOMPARE(capture<ExtensionReply>([&](auto done) {
-            m_two->getExtensions(&m_carol, QStringLiteral("n1"), done);
-        }).error.code,
-            refused);
-        QCOMPARE(capture<ExtensionReply>([&](auto done) {
-            m_two->deleteExtensions(&m_carol, QStringLiteral("n1"), { QStringLiteral("k") }, done);
-        }).error.code,
-            refused);
-        QCOMPARE(capture<ServiceReply<QList<V2VORMessagePtr>>>([&](auto reply) {
-            m_two->history(&m_carol, QStringLiteral("g"), 5, 0, reply);
-        }).error.code,
-            refused);
-        QCOMPARE(capture<ServiceReply<V2VORMessagePtr>>([&](auto reply) {
-            m_two->modify(&m_carol, *sent, reply);
-        }).error.code,
-            refused);
-        QCOMPARE(capture<ServiceReply<QString>>([&](auto reply) {
-            m_two->messageAt(&m_carol, QStringLiteral("g"), 1, reply);
-        }).error.code,
-            refused);
-        QCOMPARE(capture<ServiceReply<QList<V2VORMessagePtr>>>([&](auto reply) {
-            m_two->history(&m_carol, QStringLiteral("nope"), 5, 0, reply);
-        }).error.code,
-            int(V2VOR_ERR_INVALID_PARAMETERS));
-        // Joining later opens the group, heard at once by a session already logged in.
-        capture<CallError>(
-            [&](auto done) { m_one->addGroupMember(nullptr, QStringLiteral("g"), QStringLiteral("carol"), {}, done); });
-        QCOMPARE(
-            set(*m_two, m_carol, QStringLiteral("n1"), { { QStringLiteral("k"), QStringLiteral("v") } }).error.code, 0);
-        QTRY_COMPARE(m_amy.changed.size(), 1);
     }
 
     void killedNatsLosesNothingAcknowledged()

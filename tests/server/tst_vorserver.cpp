@@ -167,48 +167,6 @@ private Q_SLOTS:
         QCOMPARE(ben->call(op, json(args)), 0);
     }
 
-    void memberReadsWhatWasWritten()
-    {
-        const auto amy = connectAs(QStringLiteral("amy"));
-        const auto ben = connectAs(QStringLiteral("ben"));
-        QVERIFY(amy && ben);
-        QCOMPARE(WireClient::code(sendNote(*amy, QStringLiteral("note-1"))), 0);
-        QCOMPARE(amy->call(QStringLiteral("setExtensions"),
-                     json(R"({"msgID":"note-1","extensions":[{"key":"1","value":"tea"}]})")),
-            0);
-        const QJsonObject read = ben->reply(ben->send(QStringLiteral("getExtensions"), json(R"({"msgID":"note-1"})")));
-        const QJsonObject result = read.value(QLatin1String("result")).toObject();
-        QCOMPARE(result.value(QLatin1String("extensions")).toArray().first().toObject().value(QLatin1String("value")),
-            QJsonValue(QStringLiteral("tea")));
-        QCOMPARE(result.value(QLatin1String("versions")).toObject().value(QLatin1String("1")).toInt(), 1);
-        const QJsonObject history
-            = ben->reply(ben->send(QStringLiteral("history"), json(R"({"groupID":"g1","count":10})")));
-        const QJsonArray messages
-            = history.value(QLatin1String("result")).toObject().value(QLatin1String("messages")).toArray();
-        QCOMPARE(messages.size(), 1);
-        QCOMPARE(messages.first().toObject().value(QLatin1String("sender")).toString(), QStringLiteral("amy"));
-    }
-
-    void aStaleWriteIsAnsweredWithTheLatestValue()
-    {
-        const auto amy = connectAs(QStringLiteral("amy"));
-        QVERIFY(amy);
-        QCOMPARE(WireClient::code(sendNote(*amy, QStringLiteral("note-1"))), 0);
-        const auto write = [&](const char *value) {
-            return amy->reply(amy->send(QStringLiteral("setExtensions"),
-                { { QStringLiteral("msgID"), QStringLiteral("note-1") },
-                    { QStringLiteral("extensions"),
-                        QJsonArray { QJsonObject { { QStringLiteral("key"), QStringLiteral("1") },
-                            { QStringLiteral("value"), QLatin1String(value) } } } } }));
-        };
-        QCOMPARE(WireClient::code(write("first")), 0);
-        // Not having seen "first" (no "seen" versions), the second write loses to it.
-        const QJsonObject result = write("second").value(QLatin1String("result")).toObject();
-        const QJsonObject key = result.value(QLatin1String("results")).toArray().first().toObject();
-        QCOMPARE(key.value(QLatin1String("code")).toInt(), int(V2VOR_ERR_EXTENSION_VERSION_CONFLICT));
-        QCOMPARE(key.value(QLatin1String("value")).toString(), QStringLiteral("first"));
-    }
-
     void badFramesAreAnsweredAndTheConnectionLives_data()
     {
         QTest::addColumn<QByteArray>("frame");
