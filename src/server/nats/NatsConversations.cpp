@@ -1,6 +1,5 @@
 #include "server/nats/NatsConversations.h"
 
-#include "sdk/ServiceProtocol.h"
 #include "sdk/ServiceRules.h"
 #include "server/nats/NatsDirectory.h"
 #include "server/nats/NatsEvents.h"
@@ -11,6 +10,8 @@ NatsConversations::NatsConversations(NatsDirectory &directory, NatsMessages &mes
     , m_messages(messages)
     , m_events(events)
 {
+    m_events.setConversationView(
+        [this](const QString &key, const QString &viewer) { return conversationAs(key, viewer); });
 }
 
 V2VORConversation NatsConversations::conversationAs(const QString &key, const QString &viewer)
@@ -97,19 +98,19 @@ void NatsConversations::markRead(const QString &key, const QString &userID)
     if (m_directory.readSeq(key, userID) == last)
         return;
     m_directory.setReadSeq(key, userID, last);
-    publish(key, { userID });
+    m_events.emitChangeTo(userID, moved(key));
 }
 
 void NatsConversations::touched(const QString &key)
 {
     m_directory.touch(key);
-    publish(key, m_directory.members(key));
+    m_events.emitChange(moved(key));
 }
 
-void NatsConversations::publish(const QString &key, const QStringList &viewers)
+NatsChange NatsConversations::moved(const QString &key)
 {
-    m_events.emitEvent(viewers, [&](const QString &viewer) {
-        return NatsEvents::event(QStringLiteral("conversationChanged"),
-            { { QStringLiteral("conversation"), ServiceProtocol::toJson(conversationAs(key, viewer)) } });
-    });
+    NatsChange change;
+    change.kind = NatsChange::ConversationChanged;
+    change.conversation = key;
+    return change;
 }
