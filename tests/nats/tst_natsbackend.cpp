@@ -311,7 +311,8 @@ private Q_SLOTS:
         QFETCH(bool, addedOnTheirServer);
         const QString msgID = QStringLiteral("n1");
         send(*m_one, m_amy, note(msgID));
-        QTRY_COMPARE(m_bob.newMessages.size(), 1);
+        QTRY_COMPARE(m_bob.conversations.size(), 1);
+        capture<CallError>([&](auto done) { m_two->markGroupRead(&m_bob, QStringLiteral("g"), done); });
         // Carol is logged in on the second server but belongs to no group yet.
         NatsBackend &adding = addedOnTheirServer ? *m_two : *m_one;
         capture<CallError>(
@@ -328,6 +329,9 @@ private Q_SLOTS:
         QCOMPARE(m_carol.changed.first().first().extensionValue, QStringLiteral("amy"));
         QCOMPARE(m_carol.newMessages.first()->msgID(), QStringLiteral("n2"));
         QVERIFY(!m_carol.newMessages.first()->isSelf());
+        // Members on one server hear the group's move at once, each with their own unread count.
+        QTRY_COMPARE(m_carol.conversations.last().unreadCount, 2);
+        QTRY_COMPARE(m_bob.conversations.last().unreadCount, 1);
     }
 
     void everySessionHearsEachChangeOnce()

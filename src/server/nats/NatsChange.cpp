@@ -4,6 +4,7 @@
 #include "sdk/ServiceRules.h"
 
 #include <QJsonArray>
+#include <algorithm>
 #include <array>
 
 namespace {

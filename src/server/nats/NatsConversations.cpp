@@ -10,29 +10,41 @@ NatsConversations::NatsConversations(NatsDirectory &directory, NatsMessages &mes
     , m_messages(messages)
     , m_events(events)
 {
-    m_events.setConversationView(
-        [this](const QString &key, const QString &viewer) { return conversationAs(key, viewer); });
+    m_events.setConversationViews(
+        [this](const QString &key, const QList<QString> &viewers) { return viewsOf(key, viewers); });
 }
 
 V2VORConversation NatsConversations::conversationAs(const QString &key, const QString &viewer)
 {
+    return viewsOf(key, { viewer }).value(viewer);
+}
+
+QHash<QString, V2VORConversation> NatsConversations::viewsOf(const QString &key, const QList<QString> &viewers)
+{
+    // What every viewer sees alike is read once; only read marks are each viewer's own.
     const NatsDirectory::Conversation conversation
         = m_directory.conversation(key).value_or(NatsDirectory::Conversation {});
-    V2VORConversation seen = ServiceRules::conversationAs(
-        { key, conversation.isGroup, conversation.members, conversation.name, conversation.faceURL }, viewer,
-        [this](const QString &userID) {
-            const NatsDirectory::User user = m_directory.user(userID).value_or(NatsDirectory::User {});
-            return ServiceRules::Profile { user.nickName, user.faceURL };
-        });
     const quint64 top = m_messages.topSeq(key);
-    for (quint64 seq = m_directory.readSeq(key, viewer) + 1; seq <= top; ++seq) {
-        if (m_messages.senderAt(key, seq) != viewer)
-            ++seen.unreadCount;
+    const auto last = top ? m_messages.load(key, top) : std::nullopt;
+    const quint64 orderKey = m_directory.orderKey(key);
+    QHash<QString, V2VORConversation> views;
+    for (const QString &viewer : viewers) {
+        V2VORConversation seen = ServiceRules::conversationAs(
+            { key, conversation.isGroup, conversation.members, conversation.name, conversation.faceURL }, viewer,
+            [this](const QString &userID) {
+                const NatsDirectory::User user = m_directory.user(userID).value_or(NatsDirectory::User {});
+                return ServiceRules::Profile { user.nickName, user.faceURL };
+            });
+        for (quint64 seq = m_directory.readSeq(key, viewer) + 1; seq <= top; ++seq) {
+            if (m_messages.senderAt(key, seq) != viewer)
+                ++seen.unreadCount;
+        }
+        if (last)
+            seen.lastMessage = m_messages.copyFor(*last, key, viewer);
+        seen.orderKey = orderKey;
+        views.insert(viewer, seen);
     }
-    if (const auto last = top ? m_messages.load(key, top) : std::nullopt)
-        seen.lastMessage = m_messages.copyFor(*last, key, viewer);
-    seen.orderKey = m_directory.orderKey(key);
-    return seen;
+    return views;
 }
 
 QList<V2VORConversation> NatsConversations::list(const QString &userID)

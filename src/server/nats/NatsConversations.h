@@ -20,6 +20,8 @@ public:
     NatsConversations(NatsDirectory &directory, NatsMessages &messages, NatsEvents &events);
 
     V2VORConversation conversationAs(const QString &key, const QString &viewer);
+    /// The conversation as each of `viewers` sees it.
+    QHash<QString, V2VORConversation> viewsOf(const QString &key, const QList<QString> &viewers);
     QList<V2VORConversation> list(const QString &userID);
     QList<V2VORGroupInfo> groupsInfo(const QString &userID, const QStringList &groupIDs);
     ServiceReply<QList<V2VORGroupMemberFullInfo>> members(

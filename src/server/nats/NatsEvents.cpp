@@ -123,23 +123,35 @@ void NatsEvents::onMembersLearned(const QString &conversation, const QStringList
         join(conversation, userID);
         NatsChange moved;
         moved.conversation = conversation;
-        deliver(userID, moved, nullptr);
+        deliver(QList<QString> { userID }, moved, nullptr);
     }
 }
 
-void NatsEvents::deliver(const QString &viewer, const NatsChange &change, MessagingSession *except)
+void NatsEvents::deliver(const QList<QString> &viewers, const NatsChange &change, MessagingSession *except)
 {
-    const QList<MessagingSession *> sessions = m_sessionsOf.value(viewer);
-    if (sessions.isEmpty() || (sessions.size() == 1 && sessions.first() == except))
-        return;
+    QList<QString> here;
+    for (const QString &viewer : viewers) {
+        const QList<MessagingSession *> sessions = m_sessionsOf.value(viewer);
+        if (!sessions.isEmpty() && !(sessions.size() == 1 && sessions.first() == except))
+            here.append(viewer);
+    }
+    QHash<QString, V2VORConversation> views;
+    if (change.kind == NatsChange::ConversationChanged && m_conversationViews && !here.isEmpty())
+        views = m_conversationViews(change.conversation, here);
+    for (const QString &viewer : std::as_const(here)) {
+        const auto view = views.constFind(viewer);
+        deliver(viewer, change, except, view == views.constEnd() ? std::nullopt : std::make_optional(*view));
+    }
+}
+
+void NatsEvents::deliver(const QString &viewer, const NatsChange &change, MessagingSession *except,
+    const std::optional<V2VORConversation> &view)
+{
     const bool aboutMessage = change.kind == NatsChange::NewMessage || change.kind == NatsChange::Modified;
     const V2VORMessagePtr copy = aboutMessage
         ? NatsChange::messageFor(*change.message, m_directory.members(change.conversation), viewer)
         : V2VORMessagePtr();
-    std::optional<V2VORConversation> view;
-    if (change.kind == NatsChange::ConversationChanged && m_conversationView)
-        view = m_conversationView(change.conversation, viewer);
-    for (MessagingSession *session : sessions) {
+    for (MessagingSession *session : m_sessionsOf.value(viewer)) {
         if (session == except)
             continue;
         const V2VORMessagePtr own = copy ? copy->clone() : copy;
@@ -164,14 +176,10 @@ void NatsEvents::deliver(const QString &viewer, const NatsChange &change, Messag
 
 void NatsEvents::deliverToMembers(const NatsChange &change, MessagingSession *except)
 {
-    if (isDirect(change.conversation)) {
-        for (const QString &member : m_directory.members(change.conversation))
-            deliver(member, change, except);
-        return;
-    }
-    const QSet<QString> local = m_groups.value(change.conversation).users;
-    for (const QString &member : local)
-        deliver(member, change, except);
+    if (isDirect(change.conversation))
+        deliver(m_directory.members(change.conversation), change, except);
+    else
+        deliver(m_groups.value(change.conversation).users.values(), change, except);
 }
 
 void NatsEvents::emitChange(const NatsChange &change, MessagingSession *except)
@@ -188,7 +196,7 @@ void NatsEvents::emitChange(const NatsChange &change, MessagingSession *except)
 
 void NatsEvents::emitChangeTo(const QString &viewer, const NatsChange &change)
 {
-    deliver(viewer, change, nullptr);
+    deliver(QList<QString> { viewer }, change, nullptr);
     m_store.publish(userSubject(viewer), payloadOf(change));
 }
 
@@ -197,9 +205,9 @@ void NatsEvents::setRemoteObserver(Observer observer)
     m_remoteObserver = std::move(observer);
 }
 
-void NatsEvents::setConversationView(ConversationView view)
+void NatsEvents::setConversationViews(ConversationViews views)
 {
-    m_conversationView = std::move(view);
+    m_conversationViews = std::move(views);
 }
 
 void NatsEvents::onRemoteChange(const QByteArray &payload, const QString &viewer)
@@ -212,5 +220,5 @@ void NatsEvents::onRemoteChange(const QByteArray &payload, const QString &viewer
     if (viewer.isEmpty())
         deliverToMembers(*change, nullptr);
     else
-        deliver(viewer, *change, nullptr);
+        deliver(QList<QString> { viewer }, *change, nullptr);
 }

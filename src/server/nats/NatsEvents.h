@@ -13,7 +13,8 @@
 // A member added on another server hears that server's membership write before this server
 // subscribes to the group; a change made in between does not reach them live. Right after
 // subscribing, each such member is therefore sent the conversation as it now stands (latest
-// message, unread count), so what happened in between shows in their list.
+// message, unread count), so what happened in between shows in their list. Who hears a change
+// is decided where it arrives: a member who joins while a change is on its way hears it too.
 #pragma once
 
 #include "sdk/MessagingSession.h"
@@ -31,7 +32,8 @@ class NatsEvents
 {
 public:
     using Observer = std::function<void(const NatsChange &change)>;
-    using ConversationView = std::function<V2VORConversation(const QString &conversation, const QString &viewer)>;
+    using ConversationViews
+        = std::function<QHash<QString, V2VORConversation>(const QString &conversation, const QList<QString> &viewers)>;
 
     NatsEvents(NatsStore &store, NatsDirectory &directory);
     ~NatsEvents();
@@ -49,8 +51,8 @@ public:
     void emitChangeTo(const QString &viewer, const NatsChange &change);
     /// Sees every change from another server before the sessions here get it.
     void setRemoteObserver(Observer observer);
-    /// Makes a viewer's copy of a conversation for ConversationChanged.
-    void setConversationView(ConversationView view);
+    /// Makes the viewers' copies of a conversation for ConversationChanged.
+    void setConversationViews(ConversationViews views);
 
 private:
     struct Group
@@ -62,7 +64,10 @@ private:
     void join(const QString &group, const QString &userID);
     void leave(const QString &group, const QString &userID);
     void onMembersLearned(const QString &conversation, const QStringList &added);
-    void deliver(const QString &viewer, const NatsChange &change, MessagingSession *except);
+    /// Hands the change to the sessions here of each of `viewers` but `except`.
+    void deliver(const QList<QString> &viewers, const NatsChange &change, MessagingSession *except);
+    void deliver(const QString &viewer, const NatsChange &change, MessagingSession *except,
+        const std::optional<V2VORConversation> &view);
     void deliverToMembers(const NatsChange &change, MessagingSession *except);
     void onRemoteChange(const QByteArray &payload, const QString &viewer);
 
@@ -78,5 +83,5 @@ private:
     /// user -> the groups heard for them
     QHash<QString, QStringList> m_groupsOf;
     Observer m_remoteObserver;
-    ConversationView m_conversationView;
+    ConversationViews m_conversationViews;
 };
