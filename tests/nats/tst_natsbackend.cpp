@@ -300,6 +300,82 @@ private Q_SLOTS:
         m_two->detach(&dave);
     }
 
+    void memberJoiningHearsTheNextChange_data()
+    {
+        QTest::addColumn<bool>("addedOnTheirServer");
+        QTest::newRow("added on the other server") << false;
+        QTest::newRow("added on their own server") << true;
+    }
+    void memberJoiningHearsTheNextChange()
+    {
+        QFETCH(bool, addedOnTheirServer);
+        const QString msgID = QStringLiteral("n1");
+        send(*m_one, m_amy, note(msgID));
+        QTRY_COMPARE(m_bob.conversations.size(), 1);
+        capture<CallError>([&](auto done) { m_two->markGroupRead(&m_bob, QStringLiteral("g"), done); });
+        // Carol is logged in on the second server but belongs to no group yet.
+        NatsBackend &adding = addedOnTheirServer ? *m_two : *m_one;
+        capture<CallError>(
+            [&](auto done) { adding.addGroupMember(nullptr, QStringLiteral("g"), QStringLiteral("carol"), {}, done); });
+        // Her server tells her of the group as soon as it hears the group's changes.
+        QTRY_COMPARE(m_carol.conversations.size(), 1);
+        QCOMPARE(m_carol.conversations.first().groupID, QStringLiteral("g"));
+        QCOMPARE(m_carol.conversations.first().unreadCount, 1);
+
+        QCOMPARE(set(*m_one, m_amy, msgID, { { QStringLiteral("1"), QStringLiteral("amy") } }).error.code, 0);
+        send(*m_one, m_amy, note(QStringLiteral("n2")));
+        QTRY_COMPARE(m_carol.newMessages.size(), 1);
+        QCOMPARE(m_carol.changed.size(), 1);
+        QCOMPARE(m_carol.changed.first().first().extensionValue, QStringLiteral("amy"));
+        QCOMPARE(m_carol.newMessages.first()->msgID(), QStringLiteral("n2"));
+        QVERIFY(!m_carol.newMessages.first()->isSelf());
+        // Members on one server hear the group's move at once, each with their own unread count.
+        QTRY_COMPARE(m_carol.conversations.last().unreadCount, 2);
+        QTRY_COMPARE(m_bob.conversations.last().unreadCount, 1);
+    }
+
+    void everySessionHearsEachChangeOnce()
+    {
+        const QString msgID = QStringLiteral("n1");
+        send(*m_one, m_amy, note(msgID));
+        Session bobAgain;
+        login(*m_two, bobAgain, QStringLiteral("bob"));
+        set(*m_one, m_amy, msgID, { { QStringLiteral("1"), QStringLiteral("a") } });
+        set(*m_one, m_amy, msgID, { { QStringLiteral("2"), QStringLiteral("b") } });
+        for (Session *session : { &m_bob, &bobAgain }) {
+            QTRY_COMPARE(session->changed.size(), 2);
+            QCOMPARE(session->changed.last().first().extensionKey, QStringLiteral("2"));
+        }
+
+        // Once all of Bob's sessions here are gone, a new one hears from scratch, once.
+        m_two->detach(&m_bob);
+        m_two->logout(&bobAgain, {});
+        Session bobLater;
+        login(*m_two, bobLater, QStringLiteral("bob"));
+        set(*m_one, m_amy, msgID, { { QStringLiteral("3"), QStringLiteral("c") } });
+        set(*m_one, m_amy, msgID, { { QStringLiteral("4"), QStringLiteral("d") } });
+        QTRY_COMPARE(bobLater.changed.size(), 2);
+        QCOMPARE(bobLater.changed.first().first().extensionKey, QStringLiteral("3"));
+        QCOMPARE(bobAgain.changed.size(), 2);
+        QCOMPARE(m_bob.changed.size(), 2);
+        m_two->detach(&bobLater);
+    }
+
+    void firstDirectMessageReachesThePeerElsewhere()
+    {
+        const auto message = note(QStringLiteral("d1"));
+        const auto sent = capture<ServiceReply<V2VORMessagePtr>>(
+            [&](auto reply) { m_one->send(&m_amy, message, QStringLiteral("carol"), {}, {}, reply); });
+        QCOMPARE(sent.error.code, 0);
+        QCOMPARE(sent.value->userID(), QStringLiteral("carol"));
+        QTRY_COMPARE(m_carol.newMessages.size(), 1);
+        QCOMPARE(m_carol.newMessages.first()->userID(), QStringLiteral("amy"));
+        QVERIFY(!m_carol.newMessages.first()->isSelf());
+        QTRY_VERIFY(!m_carol.conversations.isEmpty());
+        QCOMPARE(m_carol.conversations.last().userID, QStringLiteral("amy"));
+        QVERIFY(m_bob.newMessages.isEmpty());
+    }
+
     void liveKeysStopAt300()
     {
         send(*m_one, m_amy, note(QStringLiteral("n1")));

@@ -1,7 +1,7 @@
 #include "server/nats/NatsBackend.h"
 
-#include "sdk/ServiceProtocol.h"
 #include "sdk/ServiceRules.h"
+#include "server/nats/NatsChange.h"
 #include "server/nats/NatsConversations.h"
 #include "server/nats/NatsDirectory.h"
 #include "server/nats/NatsEvents.h"
@@ -9,7 +9,6 @@
 #include "server/nats/NatsMessages.h"
 #include "server/nats/NatsStore.h"
 
-#include <QJsonArray>
 #include <QUuid>
 
 namespace {
@@ -57,12 +56,12 @@ std::unique_ptr<NatsBackend> NatsBackend::create(const QString &natsURL, QString
 NatsBackend::NatsBackend(std::unique_ptr<NatsStore> store)
     : m_store(std::move(store))
     , m_directory(std::make_unique<NatsDirectory>(*m_store))
-    , m_events(std::make_unique<NatsEvents>(*m_store))
+    , m_events(std::make_unique<NatsEvents>(*m_store, *m_directory))
     , m_extensions(std::make_unique<NatsExtensions>(*m_store))
     , m_messages(std::make_unique<NatsMessages>(*m_store, *m_directory, *m_events))
     , m_conversations(std::make_unique<NatsConversations>(*m_directory, *m_messages, *m_events))
 {
-    m_events->setRemoteObserver([this](const QJsonObject &event) { learnExtensions(event); });
+    m_events->setRemoteObserver([this](const NatsChange &change) { learnExtensions(change); });
 }
 
 NatsBackend::~NatsBackend() = default;
@@ -248,35 +247,27 @@ void NatsBackend::publishExtensionChange(const QString &msgID, const QString &co
 {
     if (changed.isEmpty() && deleted.isEmpty())
         return;
-    QJsonObject data { { QStringLiteral("msgID"), msgID },
-        { QStringLiteral("versions"), ServiceProtocol::toJson(versions) } };
-    if (!changed.isEmpty()) {
-        data.insert(QStringLiteral("extensions"), ServiceProtocol::toJson(changed));
-        data.insert(QStringLiteral("firstWritten"), ServiceProtocol::toJson(firstWritten));
-    } else
-        data.insert(QStringLiteral("keys"), QJsonArray::fromStringList(deleted));
-    const QJsonObject shared = NatsEvents::event(
-        changed.isEmpty() ? QStringLiteral("extensionsDeleted") : QStringLiteral("extensionsChanged"), data);
-    m_events->emitEvent(m_directory->members(conversation), [&](const QString &) { return shared; });
+    NatsChange change;
+    change.kind = changed.isEmpty() ? NatsChange::ExtensionsDeleted : NatsChange::ExtensionsChanged;
+    change.conversation = conversation;
+    change.msgID = msgID;
+    change.extensions = changed;
+    change.keys = deleted;
+    change.versions = versions;
+    change.firstWritten = firstWritten;
+    m_events->emitChange(change);
 }
 
-void NatsBackend::learnExtensions(const QJsonObject &event)
+void NatsBackend::learnExtensions(const NatsChange &change)
 {
-    const QString name = event.value(QLatin1String("ev")).toString();
-    const bool deleted = name == QLatin1String("extensionsDeleted");
-    if (!deleted && name != QLatin1String("extensionsChanged"))
+    const bool deleted = change.kind == NatsChange::ExtensionsDeleted;
+    if (!deleted && change.kind != NatsChange::ExtensionsChanged)
         return;
-    const QJsonObject data = event.value(QLatin1String("data")).toObject();
-    const QString msgID = data.value(QLatin1String("msgID")).toString();
-    const auto versions = ServiceProtocol::versionsFromJson(data.value(QLatin1String("versions")));
-    const auto firstWritten = ServiceProtocol::versionsFromJson(data.value(QLatin1String("firstWritten")));
-    if (!versions)
-        return;
-    for (auto version = versions->cbegin(); version != versions->cend(); ++version) {
+    for (auto version = change.versions.cbegin(); version != change.versions.cend(); ++version) {
         // A key answered as a conflict was not written: nothing is known of its first write.
-        if (deleted || (firstWritten && firstWritten->contains(version.key())))
+        if (deleted || change.firstWritten.contains(version.key()))
             m_extensions->learn(
-                msgID, version.key(), version.value(), deleted ? 0 : firstWritten->value(version.key()));
+                change.msgID, version.key(), version.value(), deleted ? 0 : change.firstWritten.value(version.key()));
     }
 }
 

@@ -14,9 +14,9 @@
 
 #include "sdk/MessagingBackend.h"
 
-#include <QJsonObject>
 #include <memory>
 
+struct NatsChange;
 class NatsConversations;
 class NatsDirectory;
 class NatsEvents;
@@ -83,8 +83,8 @@ private:
     void publishExtensionChange(const QString &msgID, const QString &conversation,
         const QList<V2VORMessageExtension> &changed, const QStringList &deleted,
         const QHash<QString, quint64> &versions, const QHash<QString, quint64> &firstWritten = {});
-    /// Remembers what another server's extension event says of each key.
-    void learnExtensions(const QJsonObject &event);
+    /// Remembers what another server's extension change says of each key.
+    void learnExtensions(const NatsChange &change);
 
     std::unique_ptr<NatsStore> m_store;
     std::unique_ptr<NatsDirectory> m_directory;

@@ -1,6 +1,5 @@
 #include "server/nats/NatsConversations.h"
 
-#include "sdk/ServiceProtocol.h"
 #include "sdk/ServiceRules.h"
 #include "server/nats/NatsDirectory.h"
 #include "server/nats/NatsEvents.h"
@@ -11,27 +10,41 @@ NatsConversations::NatsConversations(NatsDirectory &directory, NatsMessages &mes
     , m_messages(messages)
     , m_events(events)
 {
+    m_events.setConversationViews(
+        [this](const QString &key, const QList<QString> &viewers) { return viewsOf(key, viewers); });
 }
 
 V2VORConversation NatsConversations::conversationAs(const QString &key, const QString &viewer)
 {
+    return viewsOf(key, { viewer }).value(viewer);
+}
+
+QHash<QString, V2VORConversation> NatsConversations::viewsOf(const QString &key, const QList<QString> &viewers)
+{
+    // What every viewer sees alike is read once; only read marks are each viewer's own.
     const NatsDirectory::Conversation conversation
         = m_directory.conversation(key).value_or(NatsDirectory::Conversation {});
-    V2VORConversation seen = ServiceRules::conversationAs(
-        { key, conversation.isGroup, conversation.members, conversation.name, conversation.faceURL }, viewer,
-        [this](const QString &userID) {
-            const NatsDirectory::User user = m_directory.user(userID).value_or(NatsDirectory::User {});
-            return ServiceRules::Profile { user.nickName, user.faceURL };
-        });
     const quint64 top = m_messages.topSeq(key);
-    for (quint64 seq = m_directory.readSeq(key, viewer) + 1; seq <= top; ++seq) {
-        if (m_messages.senderAt(key, seq) != viewer)
-            ++seen.unreadCount;
+    const auto last = top ? m_messages.load(key, top) : std::nullopt;
+    const quint64 orderKey = m_directory.orderKey(key);
+    QHash<QString, V2VORConversation> views;
+    for (const QString &viewer : viewers) {
+        V2VORConversation seen = ServiceRules::conversationAs(
+            { key, conversation.isGroup, conversation.members, conversation.name, conversation.faceURL }, viewer,
+            [this](const QString &userID) {
+                const NatsDirectory::User user = m_directory.user(userID).value_or(NatsDirectory::User {});
+                return ServiceRules::Profile { user.nickName, user.faceURL };
+            });
+        for (quint64 seq = m_directory.readSeq(key, viewer) + 1; seq <= top; ++seq) {
+            if (m_messages.senderAt(key, seq) != viewer)
+                ++seen.unreadCount;
+        }
+        if (last)
+            seen.lastMessage = m_messages.copyFor(*last, key, viewer);
+        seen.orderKey = orderKey;
+        views.insert(viewer, seen);
     }
-    if (const auto last = top ? m_messages.load(key, top) : std::nullopt)
-        seen.lastMessage = m_messages.copyFor(*last, key, viewer);
-    seen.orderKey = m_directory.orderKey(key);
-    return seen;
+    return views;
 }
 
 QList<V2VORConversation> NatsConversations::list(const QString &userID)
@@ -97,19 +110,19 @@ void NatsConversations::markRead(const QString &key, const QString &userID)
     if (m_directory.readSeq(key, userID) == last)
         return;
     m_directory.setReadSeq(key, userID, last);
-    publish(key, { userID });
+    m_events.emitChangeTo(userID, moved(key));
 }
 
 void NatsConversations::touched(const QString &key)
 {
     m_directory.touch(key);
-    publish(key, m_directory.members(key));
+    m_events.emitChange(moved(key));
 }
 
-void NatsConversations::publish(const QString &key, const QStringList &viewers)
+NatsChange NatsConversations::moved(const QString &key)
 {
-    m_events.emitEvent(viewers, [&](const QString &viewer) {
-        return NatsEvents::event(QStringLiteral("conversationChanged"),
-            { { QStringLiteral("conversation"), ServiceProtocol::toJson(conversationAs(key, viewer)) } });
-    });
+    NatsChange change;
+    change.kind = NatsChange::ConversationChanged;
+    change.conversation = key;
+    return change;
 }

@@ -75,10 +75,19 @@ void NatsDirectory::learnMembers(const QString &conversationKey, const QStringLi
     if (members.isEmpty())
         return;
     QStringList &known = m_knownMembers[conversationKey];
+    QStringList added;
     for (const QString &member : members) {
         if (!known.contains(member))
-            known.append(member);
+            added.append(member);
     }
+    known.append(added);
+    if (!added.isEmpty() && m_membersObserver)
+        m_membersObserver(conversationKey, added);
+}
+
+void NatsDirectory::setMembersObserver(std::function<void(const QString &key, const QStringList &added)> observer)
+{
+    m_membersObserver = std::move(observer);
 }
 
 QStringList NatsDirectory::knownMembers(const QString &conversationKey)

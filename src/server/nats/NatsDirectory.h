@@ -63,6 +63,8 @@ public:
     /// The conversations `userID` belongs to.
     QStringList conversationsOf(const QString &userID) const;
     void addMember(const QString &key, const QString &userID, const QString &nameCard);
+    /// Hears members this server had not known of, whichever server added them.
+    void setMembersObserver(std::function<void(const QString &key, const QStringList &added)> observer);
 
     QString remark(const QString &viewerID, const QString &targetID) const;
     void setRemark(const QString &viewerID, const QString &targetID, const QString &remark);
@@ -80,4 +82,5 @@ private:
     NatsStore &m_store;
     quint64 m_watch = 0;
     QHash<QString, QStringList> m_knownMembers;
+    std::function<void(const QString &key, const QStringList &added)> m_membersObserver;
 };

@@ -1,7 +1,7 @@
 #include "server/nats/NatsEvents.h"
 
 #include "platform/MainQueue.h"
-#include "sdk/ServiceProtocol.h"
+#include "server/nats/NatsDirectory.h"
 #include "server/nats/NatsKeyCodec.h"
 #include "server/nats/NatsStore.h"
 
@@ -14,102 +14,190 @@ QByteArray userSubject(const QString &userID)
     return "vor.user." + NatsKeyCodec::encode(userID);
 }
 
-/// Runs one event on a session, as the in-process service would.
-void dispatch(MessagingSession *session, const QJsonObject &event)
+QByteArray groupSubject(const QString &group)
 {
-    namespace P = ServiceProtocol;
-    const QString name = event.value(QLatin1String("ev")).toString();
-    const QJsonObject data = event.value(QLatin1String("data")).toObject();
-    const QString msgID = data.value(QLatin1String("msgID")).toString();
-    const auto versions
-        = P::versionsFromJson(data.value(QLatin1String("versions"))).value_or(QHash<QString, quint64> {});
-    if (name == QLatin1String("newMessage")) {
-        if (V2VORMessagePtr message = P::messageFromJson(data.value(QLatin1String("message"))))
-            session->receiveNewMessage(message);
-    } else if (name == QLatin1String("modified")) {
-        if (V2VORMessagePtr message = P::messageFromJson(data.value(QLatin1String("message"))))
-            session->receiveModified(message);
-    } else if (name == QLatin1String("extensionsChanged")) {
-        if (auto extensions = P::extensionsFromJson(data.value(QLatin1String("extensions"))))
-            session->receiveExtensionsChanged(msgID, *extensions, versions);
-    } else if (name == QLatin1String("extensionsDeleted")) {
-        if (auto keys = P::stringsFromJson(data.value(QLatin1String("keys"))))
-            session->receiveExtensionsDeleted(msgID, *keys, versions);
-    } else if (name == QLatin1String("conversationChanged")) {
-        if (auto conversation = P::conversationFromJson(data.value(QLatin1String("conversation"))))
-            session->receiveConversationChanged(*conversation);
-    }
+    return "vor.conv." + NatsKeyCodec::encode(group);
+}
+
+bool isDirect(const QString &conversation)
+{
+    return conversation.startsWith(QLatin1String("c2c:"));
+}
+
+QByteArray payloadOf(const NatsChange &change)
+{
+    return QJsonDocument(change.toJson()).toJson(QJsonDocument::Compact);
 }
 
 } // namespace
 
-NatsEvents::NatsEvents(NatsStore &store)
+NatsEvents::NatsEvents(NatsStore &store, NatsDirectory &directory)
     : m_store(store)
+    , m_directory(directory)
 {
+    m_directory.setMembersObserver(
+        [this](const QString &conversation, const QStringList &added) { onMembersLearned(conversation, added); });
 }
 
-NatsEvents::~NatsEvents() = default;
-
-QJsonObject NatsEvents::event(const QString &name, const QJsonObject &data)
+NatsEvents::~NatsEvents()
 {
-    return { { QStringLiteral("ev"), name }, { QStringLiteral("data"), data } };
+    m_directory.setMembersObserver({});
 }
 
-void NatsEvents::attach(MessagingSession *session)
+void NatsEvents::attach(MessagingSession *)
 {
-    if (!m_attached.contains(session))
-        m_attached.append(session);
+    // A session hears nothing until a user logs in on it.
 }
 
 void NatsEvents::detach(MessagingSession *session)
 {
     stopListening(session);
-    m_attached.removeAll(session);
 }
 
 void NatsEvents::listen(MessagingSession *session, const QString &userID)
 {
     stopListening(session);
-    UserSubscription &subscription = m_subscriptions[userID];
-    if (subscription.sessions++ == 0)
-        subscription.id
-            = m_store.subscribe(userSubject(userID), [this](const QByteArray &payload) { onRemoteEvent(payload); });
+    QList<MessagingSession *> &sessions = m_sessionsOf[userID];
+    sessions.append(session);
     m_listening.insert(session, userID);
+    if (sessions.size() > 1)
+        return;
+    m_userSubscriptions.insert(userID,
+        m_store.subscribe(
+            userSubject(userID), [this, userID](const QByteArray &payload) { onRemoteChange(payload, userID); }));
+    for (const QString &conversation : m_directory.conversationsOf(userID)) {
+        if (!isDirect(conversation))
+            join(conversation, userID);
+    }
 }
 
 void NatsEvents::stopListening(MessagingSession *session)
 {
-    auto listening = m_listening.find(session);
-    if (listening == m_listening.end())
+    const auto listening = m_listening.constFind(session);
+    if (listening == m_listening.constEnd())
         return;
-    auto subscription = m_subscriptions.find(*listening);
-    if (subscription != m_subscriptions.end() && --subscription->sessions == 0) {
-        m_store.unsubscribe(subscription->id);
-        m_subscriptions.erase(subscription);
-    }
+    const QString userID = *listening;
     m_listening.erase(listening);
+    QList<MessagingSession *> &sessions = m_sessionsOf[userID];
+    sessions.removeAll(session);
+    if (!sessions.isEmpty())
+        return;
+    m_sessionsOf.remove(userID);
+    m_store.unsubscribe(m_userSubscriptions.take(userID));
+    for (const QString &group : m_groupsOf.take(userID))
+        leave(group, userID);
 }
 
-void NatsEvents::deliver(const QString &viewer, const QJsonObject &event, MessagingSession *except)
+void NatsEvents::join(const QString &group, const QString &userID)
 {
-    const QList<MessagingSession *> current = m_attached;
-    for (MessagingSession *session : current) {
-        if (session != except && session->sessionUserID() == viewer)
-            platform::MainQueue::async(session->sessionContext(), [session, event] { dispatch(session, event); });
+    QStringList &groups = m_groupsOf[userID];
+    if (groups.contains(group))
+        return;
+    groups.append(group);
+    Group &heard = m_groups[group];
+    if (heard.users.isEmpty())
+        heard.subscription = m_store.subscribe(
+            groupSubject(group), [this](const QByteArray &payload) { onRemoteChange(payload, {}); });
+    heard.users.insert(userID);
+}
+
+void NatsEvents::leave(const QString &group, const QString &userID)
+{
+    auto heard = m_groups.find(group);
+    if (heard == m_groups.end())
+        return;
+    heard->users.remove(userID);
+    if (heard->users.isEmpty()) {
+        m_store.unsubscribe(heard->subscription);
+        m_groups.erase(heard);
     }
 }
 
-void NatsEvents::emitEvent(const QStringList &viewers, const EventFor &eventFor, MessagingSession *except)
+void NatsEvents::onMembersLearned(const QString &conversation, const QStringList &added)
 {
-    QStringList unique = viewers;
-    unique.removeDuplicates();
-    for (const QString &viewer : std::as_const(unique)) {
-        const QJsonObject event = eventFor(viewer);
-        deliver(viewer, event, except);
-        QJsonObject envelope = event;
-        envelope.insert(QStringLiteral("user"), viewer);
-        m_store.publish(userSubject(viewer), QJsonDocument(envelope).toJson(QJsonDocument::Compact));
+    if (isDirect(conversation))
+        return;
+    for (const QString &userID : added) {
+        if (!m_sessionsOf.contains(userID) || m_groupsOf.value(userID).contains(conversation))
+            continue;
+        join(conversation, userID);
+        NatsChange moved;
+        moved.conversation = conversation;
+        deliver(QList<QString> { userID }, moved, nullptr);
     }
+}
+
+void NatsEvents::deliver(const QList<QString> &viewers, const NatsChange &change, MessagingSession *except)
+{
+    QList<QString> here;
+    for (const QString &viewer : viewers) {
+        const QList<MessagingSession *> sessions = m_sessionsOf.value(viewer);
+        if (!sessions.isEmpty() && !(sessions.size() == 1 && sessions.first() == except))
+            here.append(viewer);
+    }
+    QHash<QString, V2VORConversation> views;
+    if (change.kind == NatsChange::ConversationChanged && m_conversationViews && !here.isEmpty())
+        views = m_conversationViews(change.conversation, here);
+    for (const QString &viewer : std::as_const(here)) {
+        const auto view = views.constFind(viewer);
+        deliver(viewer, change, except, view == views.constEnd() ? std::nullopt : std::make_optional(*view));
+    }
+}
+
+void NatsEvents::deliver(const QString &viewer, const NatsChange &change, MessagingSession *except,
+    const std::optional<V2VORConversation> &view)
+{
+    const bool aboutMessage = change.kind == NatsChange::NewMessage || change.kind == NatsChange::Modified;
+    const V2VORMessagePtr copy = aboutMessage
+        ? NatsChange::messageFor(*change.message, m_directory.members(change.conversation), viewer)
+        : V2VORMessagePtr();
+    for (MessagingSession *session : m_sessionsOf.value(viewer)) {
+        if (session == except)
+            continue;
+        const V2VORMessagePtr own = copy ? copy->clone() : copy;
+        platform::MainQueue::async(session->sessionContext(), [session, change, own, view] {
+            switch (change.kind) {
+            case NatsChange::NewMessage:
+                return session->receiveNewMessage(own);
+            case NatsChange::Modified:
+                return session->receiveModified(own);
+            case NatsChange::ExtensionsChanged:
+                return session->receiveExtensionsChanged(change.msgID, change.extensions, change.versions);
+            case NatsChange::ExtensionsDeleted:
+                return session->receiveExtensionsDeleted(change.msgID, change.keys, change.versions);
+            case NatsChange::ConversationChanged:
+                if (view)
+                    session->receiveConversationChanged(*view);
+                return;
+            }
+        });
+    }
+}
+
+void NatsEvents::deliverToMembers(const NatsChange &change, MessagingSession *except)
+{
+    if (isDirect(change.conversation))
+        deliver(m_directory.members(change.conversation), change, except);
+    else
+        deliver(m_groups.value(change.conversation).users.values(), change, except);
+}
+
+void NatsEvents::emitChange(const NatsChange &change, MessagingSession *except)
+{
+    deliverToMembers(change, except);
+    if (!isDirect(change.conversation)) {
+        m_store.publish(groupSubject(change.conversation), payloadOf(change));
+        return;
+    }
+    const QByteArray payload = payloadOf(change);
+    for (const QString &member : m_directory.members(change.conversation))
+        m_store.publish(userSubject(member), payload);
+}
+
+void NatsEvents::emitChangeTo(const QString &viewer, const NatsChange &change)
+{
+    deliver(QList<QString> { viewer }, change, nullptr);
+    m_store.publish(userSubject(viewer), payloadOf(change));
 }
 
 void NatsEvents::setRemoteObserver(Observer observer)
@@ -117,10 +205,20 @@ void NatsEvents::setRemoteObserver(Observer observer)
     m_remoteObserver = std::move(observer);
 }
 
-void NatsEvents::onRemoteEvent(const QByteArray &payload)
+void NatsEvents::setConversationViews(ConversationViews views)
 {
-    const QJsonObject envelope = QJsonDocument::fromJson(payload).object();
+    m_conversationViews = std::move(views);
+}
+
+void NatsEvents::onRemoteChange(const QByteArray &payload, const QString &viewer)
+{
+    const std::optional<NatsChange> change = NatsChange::fromJson(QJsonDocument::fromJson(payload).object());
+    if (!change)
+        return;
     if (m_remoteObserver)
-        m_remoteObserver(envelope);
-    deliver(envelope.value(QLatin1String("user")).toString(), envelope, nullptr);
+        m_remoteObserver(*change);
+    if (viewer.isEmpty())
+        deliverToMembers(*change, nullptr);
+    else
+        deliver(QList<QString> { viewer }, *change, nullptr);
 }

@@ -4,6 +4,7 @@
 #include "sdk/ServiceProtocol.h"
 #include "sdk/ServiceRules.h"
 #include "sdk/V2VORCustomElem.h"
+#include "server/nats/NatsChange.h"
 #include "server/nats/NatsDirectory.h"
 #include "server/nats/NatsEvents.h"
 #include "server/nats/NatsKeyCodec.h"
@@ -81,11 +82,7 @@ std::optional<NatsMessages::Stored> NatsMessages::load(const QString &conversati
 
 V2VORMessagePtr NatsMessages::copyFor(const Stored &stored, const QString &conversation, const QString &viewer)
 {
-    V2VORMessagePtr copy = stored.message->clone();
-    copy->setIsSelf(copy->sender() == viewer);
-    if (copy->groupID().isEmpty())
-        copy->setUserID(ServiceRules::peerOf(m_directory.members(conversation), viewer));
-    return copy;
+    return NatsChange::messageFor(*stored.message, m_directory.members(conversation), viewer);
 }
 
 quint64 NatsMessages::topSeq(const QString &conversation)
@@ -196,15 +193,12 @@ ServiceReply<V2VORMessagePtr> NatsMessages::storeNew(MessagingSession *caller, c
     m_homes.insert(stored->msgID(), { conversation, seq, stored->supportMessageExtension() });
     m_senders.insert(senderKey(conversation, seq), sender);
 
-    const Stored record { stored, 0 };
-    m_events.emitEvent(
-        m_directory.members(conversation),
-        [&](const QString &viewer) {
-            return NatsEvents::event(QStringLiteral("newMessage"),
-                { { QStringLiteral("message"), ServiceProtocol::toJson(*copyFor(record, conversation, viewer)) } });
-        },
-        caller);
-    return { {}, copyFor(record, conversation, sender) };
+    NatsChange change;
+    change.kind = NatsChange::NewMessage;
+    change.conversation = conversation;
+    change.message = stored;
+    m_events.emitChange(change, caller);
+    return { {}, copyFor({ stored, 0 }, conversation, sender) };
 }
 
 ServiceReply<QList<V2VORMessagePtr>> NatsMessages::history(
@@ -238,11 +232,11 @@ ServiceReply<V2VORMessagePtr> NatsMessages::modify(const QString &userID, const 
         // Someone else's modification landed first: look again, it decides the outcome.
         if (!storeModified(*home, message, *stored))
             continue;
-        m_events.emitEvent(m_directory.members(home->conversation), [&](const QString &viewer) {
-            return NatsEvents::event(QStringLiteral("modified"),
-                { { QStringLiteral("message"),
-                    ServiceProtocol::toJson(*copyFor(*stored, home->conversation, viewer)) } });
-        });
+        NatsChange change;
+        change.kind = NatsChange::Modified;
+        change.conversation = home->conversation;
+        change.message = stored->message;
+        m_events.emitChange(change);
         return { {}, copyFor(*stored, home->conversation, userID) };
     }
 }
