@@ -2,6 +2,8 @@
 // changes, the first writer of a key wins across them, limits and membership hold, and
 // nothing acknowledged is lost when NATS is killed and started again.
 #include "server/nats/NatsBackend.h"
+#include "server/nats/NatsKeyCodec.h"
+#include "server/nats/NatsStore.h"
 #include "support/NatsServerProcess.h"
 
 #include <QCoreApplication>
@@ -177,6 +179,17 @@ private Q_SLOTS:
         // A resend of a message already stored answers it again instead of storing a copy.
         QCOMPARE(send(*m_two, m_amy, note(QStringLiteral("a"))).value->seq(), 1u);
         QCOMPARE(send(*m_two, m_bob, note(QStringLiteral("a"))).error.code, int(V2VOR_ERR_INVALID_PARAMETERS));
+
+        // A sequence the store cannot give back (as while NATS recovers after a restart) makes
+        // the history answer "try again", never a list with a hole in it.
+        QString error;
+        const std::unique_ptr<NatsStore> raw = NatsStore::connect(m_nats->url(), &error);
+        QVERIFY2(raw, qPrintable(error));
+        const QByteArray second = "m." + NatsKeyCodec::encode(QStringLiteral("g")) + ".2";
+        QVERIFY(raw->erase(NatsStore::Messages, second, raw->get(NatsStore::Messages, second).revision).ok());
+        const auto holed = capture<ServiceReply<QList<V2VORMessagePtr>>>(
+            [&](auto reply) { m_one->history(&m_amy, QStringLiteral("g"), 10, 0, reply); });
+        QCOMPARE(holed.error.code, int(V2VOR_ERR_SERVICE_UNAVAILABLE));
     }
 
     void firstWriterWinsAcrossServers()

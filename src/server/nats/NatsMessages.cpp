@@ -208,8 +208,13 @@ ServiceReply<QList<V2VORMessagePtr>> NatsMessages::history(
     QList<V2VORMessagePtr> found;
     quint64 seq = beforeSeq == 0 ? top : std::min(beforeSeq - 1, top);
     for (; seq >= 1 && found.size() < count; --seq) {
-        if (const std::optional<Stored> stored = load(conversation, seq))
-            found.append(copyFor(*stored, conversation, userID));
+        const std::optional<Stored> stored = load(conversation, seq);
+        // Sequences are dense and never go away: one that cannot be read is a store still
+        // recovering (NATS just restarted), not a gap to skip.
+        if (!stored)
+            return { { V2VOR_ERR_SERVICE_UNAVAILABLE,
+                QStringLiteral("message %1 of \"%2\" cannot be read yet; try again").arg(seq).arg(conversation) } };
+        found.append(copyFor(*stored, conversation, userID));
     }
     return { {}, found };
 }
