@@ -2,6 +2,7 @@
 // of one key in the extension bucket (the floor any path pays), then the whole server path of
 // setExtensions for one key written over and over and for 20 keys in turn, each write naming
 // the version the previous one answered, as an editing client does.
+#include "sdk/SilentSession.h"
 #include "server/nats/NatsBackend.h"
 #include "server/nats/NatsStore.h"
 #include "support/NatsServerProcess.h"
@@ -11,22 +12,6 @@
 
 namespace {
 
-class Writer : public MessagingSession
-{
-public:
-    QString sessionUserID() const override { return QStringLiteral("amy"); }
-    QObject *sessionContext() override { return &context; }
-    void receiveNewMessage(const V2VORMessagePtr &) override { }
-    void receiveModified(const V2VORMessagePtr &) override { }
-    void receiveExtensionsChanged(
-        const QString &, const QList<V2VORMessageExtension> &, const QHash<QString, quint64> &) override
-    {
-    }
-    void receiveExtensionsDeleted(const QString &, const QStringList &, const QHash<QString, quint64> &) override { }
-    void receiveConversationChanged(const V2VORConversation &) override { }
-
-    QObject context;
-};
 
 NatsServerProcess &nats()
 {
@@ -49,7 +34,7 @@ void BM_SetExtensions(benchmark::State &state)
     const int keys = int(state.range(0));
     QString error;
     const auto backend = NatsBackend::create(nats().url(), &error);
-    Writer amy;
+    SilentSession amy { QStringLiteral("amy") };
     backend->attach(&amy);
     backend->login(&amy, amy.sessionUserID(), {}, {});
     backend->createGroup(nullptr, QStringLiteral("g"), { amy.sessionUserID(), QStringLiteral("bob") }, {});

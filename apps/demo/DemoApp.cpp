@@ -118,9 +118,9 @@ void DemoApp::showConnectionState()
         return;
     QString title = listTitle();
     if (m_client->connectionState() == V2VOR_CONNECTION_CONNECTING)
-        title = QStringLiteral("Connecting…");
+        title = inLanguage("Connecting…", "连接中…", "連線中…");
     else if (m_client->connectionState() == V2VOR_CONNECTION_DISCONNECTED)
-        title = QStringLiteral("Offline");
+        title = inLanguage("Offline", "未连接", "未連線");
     m_list->setTitle(title);
 }
 
@@ -211,12 +211,17 @@ platform::ViewController *DemoApp::openChat(const ZIQChatConversation &conversat
     return new ZIQBaseChatViewController(conversation, m_client);
 }
 
-QString DemoApp::listTitle() const
+QString DemoApp::inLanguage(const char *english, const char *simplified, const char *traditional)
 {
     const QString language = ZIQGlobalization::getPreferredLanguage();
     if (language == QLatin1String("zh-Hans"))
-        return QStringLiteral("消息");
+        return QString::fromUtf8(simplified);
     if (language == QLatin1String("zh-Hant"))
-        return QStringLiteral("訊息");
-    return QStringLiteral("Chats");
+        return QString::fromUtf8(traditional);
+    return QString::fromUtf8(english);
+}
+
+QString DemoApp::listTitle() const
+{
+    return inLanguage("Chats", "消息", "訊息");
 }

@@ -50,6 +50,8 @@ private:
     bool isPictureRun() const;
     platform::ViewController *openChat(const ZIQChatConversation &conversation);
     QString listTitle() const;
+    /// The demo's own few texts in the preferred language.
+    static QString inLanguage(const char *english, const char *simplified, const char *traditional);
 
     DemoOptions m_options;
     /// The tour's time, installed for the whole run.

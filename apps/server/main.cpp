@@ -5,7 +5,7 @@
 
 #include "platform/MainQueue.h"
 #include "server/DirectoryFile.h"
-#include "server/SilentSession.h"
+#include "sdk/SilentSession.h"
 #include "server/StoreFactory.h"
 #include "server/VorServer.h"
 

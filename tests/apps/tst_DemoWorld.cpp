@@ -9,7 +9,7 @@
 #include "sdk/LocalBackend.h"
 #include "sdk/MessagingServer.h"
 #include "server/DirectoryFile.h"
-#include "server/SilentSession.h"
+#include "sdk/SilentSession.h"
 #include "sdk/V2VORCustomElem.h"
 #include "sdk/V2VORManager.h"
 

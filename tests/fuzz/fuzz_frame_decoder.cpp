@@ -14,7 +14,7 @@
 #include "sdk/ServiceProtocol.h"
 #include "server/RequestArgs.h"
 #include "server/RequestDispatcher.h"
-#include "server/SilentSession.h"
+#include "sdk/SilentSession.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>

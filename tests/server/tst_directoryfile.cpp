@@ -4,7 +4,7 @@
 #include "sdk/LocalBackend.h"
 #include "sdk/MessagingServer.h"
 #include "server/DirectoryFile.h"
-#include "server/SilentSession.h"
+#include "sdk/SilentSession.h"
 
 #include <QTest>
 

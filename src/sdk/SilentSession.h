@@ -1,5 +1,5 @@
-// A session that acts for a user and hears nothing: the server's own work on a backend, such as
-// seeding the directory, where no client waits for events.
+// A session that acts for a user and hears nothing: work on a backend where no client waits for
+// events, such as a server seeding its directory or a benchmark writing through a store.
 #pragma once
 
 #include "sdk/MessagingSession.h"
