@@ -16,7 +16,14 @@ namespace {
 constexpr int EdgeMargin = 60;
 constexpr int CornerRadius = 8;
 constexpr int MaxWidth = 300;
-const QColor Background(0, 0, 0, 204);
+
+/// Near-black on a light screen; on a dark one a raised grey that stands apart from dark rows,
+/// nearly opaque so the text under it does not read through.
+QColor background()
+{
+    const bool dark = QGuiApplication::palette().color(QPalette::Window).lightnessF() < 0.5;
+    return dark ? QColor(72, 72, 74, 245) : QColor(0, 0, 0, 204);
+}
 
 } // namespace
 
@@ -59,7 +66,7 @@ void Toast::paintEvent(QPaintEvent *event)
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(Background);
+        painter.setBrush(background());
         painter.drawRoundedRect(rect(), CornerRadius, CornerRadius);
     }
     QLabel::paintEvent(event);

@@ -19,28 +19,32 @@ QColor grey(qreal white)
     return QColor::fromRgbF(white, white, white);
 }
 
-// Qt has no semantic system colours; these are the light-appearance values they stand for.
+// Qt has no semantic system colours; these follow the light or dark appearance they stand for.
+bool isDarkAppearance()
+{
+    return QGuiApplication::palette().color(QPalette::Window).lightnessF() < 0.5;
+}
+
 QColor separatorGrey()
 {
-    return QColor(198, 198, 200);
+    return isDarkAppearance() ? QColor(56, 56, 58) : QColor(198, 198, 200);
 }
 
 QColor labelColor()
 {
-    return grey(0.2);
+    return isDarkAppearance() ? grey(0.92) : grey(0.2);
 }
 
 QColor groupedSecondaryBackground()
 {
-    return QColor(Qt::white);
+    return isDarkAppearance() ? QColor(28, 28, 30) : QColor(Qt::white);
 }
 
 } // namespace
 
 QColor ZIQBRPickerStyle::br_colorWithLightColor(const QColor &lightColor, const QColor &darkColor)
 {
-    const QColor window = QGuiApplication::palette().color(QPalette::Window);
-    return window.lightnessF() < 0.5 ? darkColor : lightColor;
+    return isDarkAppearance() ? darkColor : lightColor;
 }
 
 ZIQBRPickerStyle ZIQBRPickerStyle::pickerStyleWithThemeColor(const QColor &themeColor)

@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QScopeGuard>
@@ -61,6 +62,14 @@ private Q_SLOTS:
         style.setHiddenCancelBtn(true);
         style.setHiddenDoneBtn(true);
         QCOMPARE(style.titleBarHeight(), 20.0);
+
+        // Colours nobody set follow the appearance: a dark screen gets a dark bar with light text.
+        const QPalette light = QGuiApplication::palette();
+        const auto restore = qScopeGuard([&] { QGuiApplication::setPalette(light); });
+        QPalette dark = light;
+        dark.setColor(QPalette::Window, Qt::black);
+        QGuiApplication::setPalette(dark);
+        QVERIFY(style.titleBarColor().lightnessF() < 0.2 && style.cancelTextColor().lightnessF() > 0.8);
     }
 
     void sheetSlidesInAndOut()
