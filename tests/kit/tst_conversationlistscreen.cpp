@@ -81,6 +81,11 @@ private Q_SLOTS:
         data.title = QStringLiteral("Lunch club");
         data.unreadCount = 7;
         cell.fill(data); // a reused cell must not keep the last row's badge
+        // A chat without messages yet shows its name level with its face.
+        const auto *name = cell.findChild<QLabel *>(QStringLiteral("conversationName"));
+        const auto *face = cell.findChild<QWidget *>(QStringLiteral("conversationAvatar"));
+        QVERIFY(name && face);
+        QVERIFY(qAbs(name->geometry().center().y() - face->geometry().center().y()) <= 1);
         data.unreadCount = unread;
         data.subTitle = QStringLiteral("Who brings the map?\nAnd the sandwiches, and the tea, and the blanket, and the dog");
         cell.fill(data);

@@ -138,9 +138,11 @@ void ZIQConversationCell::layoutContent()
 
     const int timeWidth = qCeil(platform::TextMeasure::singleLineSize(m_timeLabel->text(), m_timeLabel->font()).width());
     const int lineHeight = 22;
-    m_timeLabel->setGeometry(right - timeWidth, middle - lineHeight, timeWidth, lineHeight);
+    // A chat without messages yet has only its name: it sits level with the face.
+    const int nameTop = m_message.isEmpty() ? middle - lineHeight / 2 : middle - lineHeight;
+    m_timeLabel->setGeometry(right - timeWidth, nameTop, timeWidth, lineHeight);
     const int nameWidth = qMax(0, right - timeWidth - Gap - textLeft);
-    m_nameLabel->setGeometry(textLeft, middle - lineHeight, nameWidth, lineHeight);
+    m_nameLabel->setGeometry(textLeft, nameTop, nameWidth, lineHeight);
     m_nameLabel->setText(m_nameLabel->fontMetrics().elidedText(m_name, Qt::ElideRight, nameWidth));
 
     int messageRight = right;
