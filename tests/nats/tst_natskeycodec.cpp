@@ -24,16 +24,10 @@ private Q_SLOTS:
         QVERIFY(QRegularExpression(QStringLiteral("^[-_=A-Za-z0-9]+$")).match(QString::fromLatin1(token)).hasMatch());
         QCOMPARE(NatsKeyCodec::decode(token), std::optional<QString>(text));
     }
-    void rejectsForeignTokens_data()
-    {
-        QTest::addColumn<QByteArray>("token");
-        QTest::newRow("dot") << QByteArray("YQ.");
-        QTest::newRow("dangling") << QByteArray("Y");
-    }
     void rejectsForeignTokens()
     {
-        QFETCH(QByteArray, token);
-        QCOMPARE(NatsKeyCodec::decode(token), std::nullopt);
+        for (const char *token : { "", "YQ.", "YQ==", "Y" })
+            QVERIFY2(!NatsKeyCodec::decode(token), token);
     }
 };
 
