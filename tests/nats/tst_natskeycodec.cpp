@@ -8,17 +8,14 @@ class TestNatsKeyCodec : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
+    // Round trips also keep texts apart: "=" and the empty text must not share a token.
     void roundTrips_data()
     {
         QTest::addColumn<QString>("text");
         QTest::newRow("empty") << QString();
-        QTest::newRow("dots") << QStringLiteral("a.b..c.");
-        QTest::newRow("spaces") << QStringLiteral("  two words ");
-        QTest::newRow("wildcards") << QStringLiteral("*.>");
-        QTest::newRow("emoji") << QStringLiteral("note 📝 👍🏽");
-        QTest::newRow("100 bytes") << QString(100, QLatin1Char('k'));
-        QTest::newRow("cjk") << QStringLiteral("报名表");
         QTest::newRow("equals") << QStringLiteral("=");
+        QTest::newRow("dots and wildcards") << QStringLiteral(" *.b..> ");
+        QTest::newRow("emoji and cjk") << QStringLiteral("note 📝 👍🏽 报名表");
     }
     void roundTrips()
     {
@@ -27,23 +24,10 @@ private Q_SLOTS:
         QVERIFY(QRegularExpression(QStringLiteral("^[-_=A-Za-z0-9]+$")).match(QString::fromLatin1(token)).hasMatch());
         QCOMPARE(NatsKeyCodec::decode(token), std::optional<QString>(text));
     }
-    void distinctTextsGiveDistinctTokens()
-    {
-        QVERIFY(NatsKeyCodec::encode(QStringLiteral("=")) != NatsKeyCodec::encode(QString()));
-        QVERIFY(NatsKeyCodec::encode(QStringLiteral("a")) != NatsKeyCodec::encode(QStringLiteral("a ")));
-    }
-    void rejectsForeignTokens_data()
-    {
-        QTest::addColumn<QByteArray>("token");
-        QTest::newRow("none") << QByteArray();
-        QTest::newRow("dot") << QByteArray("YQ.");
-        QTest::newRow("padded") << QByteArray("YQ==");
-        QTest::newRow("dangling") << QByteArray("Y");
-    }
     void rejectsForeignTokens()
     {
-        QFETCH(QByteArray, token);
-        QCOMPARE(NatsKeyCodec::decode(token), std::nullopt);
+        for (const char *token : { "", "YQ.", "YQ==", "Y" })
+            QVERIFY2(!NatsKeyCodec::decode(token), token);
     }
 };
 

@@ -7,10 +7,10 @@
 #include "sdk/ServiceProtocol.h"
 
 #include <QHash>
+#include <QJsonArray>
 #include <QPointer>
 #include <QTest>
 #include <QWebSocket>
-#include <QJsonArray>
 #include <QWebSocketServer>
 #include <functional>
 
@@ -24,30 +24,28 @@ public:
     {
         QObject::connect(&m_server, &QWebSocketServer::newConnection, this, [this] { accept(); });
         handlers.insert(QStringLiteral("hello"), [this](const ServiceProtocol::Request &request) {
-            const QString user = request.args.value(QStringLiteral("token")).toString();
-            reply(request.id, { { QStringLiteral("userID"), user } });
+            reply(request.id, { { QStringLiteral("userID"), request.args.value(QStringLiteral("token")) } });
         });
-        // A client asks who it is right after logging in.
-        handlers.insert(QStringLiteral("usersInfo"), [this](const ServiceProtocol::Request &request) {
-            reply(request.id, { { QStringLiteral("users"), QJsonArray() } });
-        });
+        // A client asks who it is right after logging in, and for its conversations after
+        // catching up.
+        for (const char *op : { "usersInfo", "conversationList" }) {
+            handlers.insert(QLatin1String(op), [this](const ServiceProtocol::Request &request) {
+                reply(request.id,
+                    { { QStringLiteral("users"), QJsonArray() }, { QStringLiteral("conversations"), QJsonArray() } });
+            });
+        }
     }
 
-    bool listen(quint16 port = 0) { return m_server.listen(QHostAddress::LocalHost, port); }
-    quint16 port() const { return m_server.serverPort(); }
-    QUrl url() const { return QUrl(QStringLiteral("ws://127.0.0.1:%1").arg(port())); }
+    bool listen() { return m_server.listen(QHostAddress::LocalHost); }
+    QUrl url() const { return QUrl(QStringLiteral("ws://127.0.0.1:%1").arg(m_server.serverPort())); }
     void stopListening() { m_server.close(); }
-    int connections() const { return m_connections; }
 
     void sendRaw(const QByteArray &frame)
     {
         if (m_client)
             m_client->sendTextMessage(QString::fromUtf8(frame));
     }
-    void reply(qint64 id, const QJsonObject &result = {}, const CallError &error = {})
-    {
-        sendRaw(ServiceProtocol::encodeReply(id, error, result));
-    }
+    void reply(qint64 id, const QJsonObject &result = {}) { sendRaw(ServiceProtocol::encodeReply(id, {}, result)); }
     void event(const QString &name, const QJsonObject &data) { sendRaw(ServiceProtocol::encodeEvent(name, data)); }
     void drop()
     {
@@ -55,14 +53,11 @@ public:
             m_client->abort();
     }
 
-    /// Requests of `op` received so far (every op when empty), oldest first.
-    QList<ServiceProtocol::Request> requests(const QString &op = {}) const
+    /// Requests of `op` received so far, oldest first.
+    QList<ServiceProtocol::Request> requests(const QString &op) const
     {
-        QList<ServiceProtocol::Request> found;
-        for (const ServiceProtocol::Request &request : m_requests) {
-            if (op.isEmpty() || request.op == op)
-                found.append(request);
-        }
+        QList<ServiceProtocol::Request> found = m_requests;
+        found.removeIf([&](const ServiceProtocol::Request &request) { return request.op != op; });
         return found;
     }
     /// Waits (bounded, on the event loop) until `count` requests of `op` have arrived.
@@ -76,11 +71,9 @@ public:
 private:
     void accept()
     {
-        QWebSocket *client = m_server.nextPendingConnection();
-        ++m_connections;
-        client->setParent(this);
-        m_client = client;
-        QObject::connect(client, &QWebSocket::textMessageReceived, this, [this](const QString &text) {
+        m_client = m_server.nextPendingConnection();
+        m_client->setParent(this);
+        QObject::connect(m_client, &QWebSocket::textMessageReceived, this, [this](const QString &text) {
             const ServiceProtocol::DecodedRequest decoded = ServiceProtocol::decodeRequest(text.toUtf8());
             QVERIFY2(!decoded.error, qPrintable(decoded.error.desc));
             m_requests.append(decoded.request);
@@ -92,5 +85,4 @@ private:
     QWebSocketServer m_server;
     QPointer<QWebSocket> m_client;
     QList<ServiceProtocol::Request> m_requests;
-    int m_connections = 0;
 };
